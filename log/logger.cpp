@@ -1,0 +1,72 @@
+#include "log/logger.h"
+
+#include <fstream>
+#include <iostream>
+
+#include "log/log.h"
+
+Logger::Logger(unsigned level) : level_(level) {}
+
+Logger::~Logger() {
+    flush();
+}
+
+void Logger::flush() {
+    const std::lock_guard<std::mutex> guard(mutex_);
+    const std::string body = stream_.str();
+    if (body.empty()) {
+        return;
+    }
+    std::ostringstream line;
+    buildLogMessage(line, level_);
+    line << body;
+    emit(line.str());
+    stream_.str("");
+    stream_.clear();
+}
+
+void Logger::emit(const std::string& line) {
+    switch (log_method_) {
+        case LOG_METHOD_FILE:
+            appendToFile(line);
+            break;
+        case LOG_METHOD_CALLBACK:
+            if (const OrvexLogCallback receiver = log_callback_; receiver != nullptr) {
+                receiver(line.c_str());
+            }
+            break;
+        case LOG_METHOD_STDOUT:
+            std::cout << line << '\n' << std::flush;
+            break;
+        default:
+            break;
+    }
+}
+
+void Logger::appendToFile(const std::string& line) {
+    std::string path;
+    {
+        const std::lock_guard<std::mutex> guard(filename_mutex_);
+        path = log_filename_;
+    }
+    if (path.empty()) {
+        return;
+    }
+    std::ofstream file(path, std::ios::app);
+    if (file.is_open()) {
+        file << line << '\n' << std::flush;
+    }
+}
+
+void Logger::setLogMethod(int method) {
+    log_method_ = method;
+}
+
+void Logger::setLogFile(const std::string& path) {
+    const std::lock_guard<std::mutex> guard(filename_mutex_);
+    log_filename_ = path;
+}
+
+void Logger::setLogCallback(OrvexLogCallback receiver) {
+    log_callback_ = receiver;
+}

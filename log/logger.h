@@ -1,0 +1,60 @@
+/// @file
+/// A log message built by streaming.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <sstream>
+#include <string>
+
+#include "include/qtr_orvex.h"
+#include "log/export.h"
+
+extern ORVEX_API_DATA std::atomic<std::uint32_t> gl_log_bits;
+
+/// One message, put together with << and written when the object goes out of scope.
+///
+/// Other than log(), under LOG_METHOD_STDOUT it writes errors, too, to standard output.
+class ORVEX_API Logger {
+  public:
+    /// Begins a message of the class @p level (LOG_BIT_…).
+    explicit Logger(unsigned level);
+    Logger(const Logger&) = delete;
+    Logger& operator=(const Logger&) = delete;
+    /// Writes the message. An exception on the way ends the process.
+    ~Logger();
+
+    /// Appends a value, unless the message's class is disabled at this moment.
+    template <typename T>
+    Logger& operator<<(const T& value) {
+        const std::lock_guard<std::mutex> guard(mutex_);
+        if ((gl_log_bits & level_) != 0) {
+            stream_ << value;
+        }
+        return *this;
+    }
+
+    /// Writes the message, if there is any text, and starts an empty one.
+    void flush();
+
+    /// Mirrors of the log's settings, stored by the logging calls while they hold gl_lock.
+    static void setLogMethod(int method);
+    static void setLogFile(const std::string& path);
+    static void setLogCallback(OrvexLogCallback receiver);
+
+  private:
+    ORVEX_LOCAL static void emit(const std::string& line);
+    ORVEX_LOCAL static void appendToFile(const std::string& line);
+
+    static ORVEX_API_DATA std::mutex mutex_;
+    static ORVEX_API_DATA std::atomic<int> log_method_;
+    static ORVEX_API_DATA std::atomic<OrvexLogCallback> log_callback_;
+    static ORVEX_API_DATA std::string log_filename_;
+    /// Held only while log_filename_ is copied: a setter cannot wait for mutex_, which a callback
+    /// that calls the setter has above it.
+    ORVEX_LOCAL static std::mutex filename_mutex_;
+
+    std::uint32_t level_;
+    std::ostringstream stream_;
+};

@@ -1,0 +1,159 @@
+// A port's opening, closing and transfers.
+#include "serial/serial_link.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+#include "api/driver_exception.h"
+#include "log/log.h"
+#include "serial/system_error.h"
+
+using orvex::logSystemError;
+using std::chrono_literals::operator""ms;
+
+namespace {
+
+constexpr int kReadAttempts = 3;
+constexpr auto kReadPause = 200ms;
+constexpr auto kClosingPause = 10ms;
+
+}  // namespace
+
+SerialLink::SerialLink(char c) : saved_(std::make_unique<Saved>()) {
+    saved_->character = c;
+}
+
+SerialLink::~SerialLink() {
+    if (fd_ == 0) {
+        return;
+    }
+    if (::tcsetattr(fd_, TCSANOW, &saved_->settings) != 0) {
+        logSystemError("SerialLink::~SerialLink: set tty attributes.", "tcsetattr", errno);
+    }
+    if (::close(fd_) != 0) {
+        // Programs know this text: it names tcsetattr for a failed close, here and in disconnect.
+        logSystemError("SerialLink::~SerialLink: close handle.", "tcsetattr", errno);
+    }
+}
+
+unsigned SerialLink::setPort(const std::string& port) {
+    if (port.empty()) {
+        return ORVEX_ERR_INVALID_ARG;
+    }
+    port_ = port;
+    return ORVEX_OK;
+}
+
+unsigned SerialLink::connect(const std::string& port, unsigned baud) {
+    if (fd_ != 0) {
+        ::close(fd_);
+        fd_ = 0;
+    }
+    if (const unsigned refused = setPort(port); refused != ORVEX_OK) {
+        return refused;
+    }
+    clog(LOG_BIT_SERIAL, "SerialLink::connect: port: %s", port_.c_str());
+    const int fd = ::open(port_.c_str(), O_RDWR);
+    if (fd < 0) {
+        const int error = errno;
+        clog(LOG_BIT_ERROR, "SerialLink::connect: open port: %s", port_.c_str());
+        logSystemError("SerialLink::connect:", "open", error);
+        return ORVEX_ERR_NO_HANDLE;
+    }
+    fd_ = fd;
+    return configure(baud);
+}
+
+unsigned SerialLink::disconnect() {
+    if (fd_ != 0) {
+        if (::tcsetattr(fd_, TCSANOW, &saved_->settings) != 0) {
+            logSystemError("SerialLink::disconnect: set tty attributes.", "tcsetattr", errno);
+        }
+        const int closed = ::close(fd_);
+        fd_ = 0;
+        if (closed != 0) {
+            logSystemError("SerialLink::disconnect: close handle.", "tcsetattr", errno);
+            return ORVEX_ERR_IO;
+        }
+    }
+    std::this_thread::sleep_for(kClosingPause);
+    return ORVEX_OK;
+}
+
+bool SerialLink::isConnected() const noexcept {
+    return fd_ != 0;
+}
+
+std::size_t SerialLink::recvArray(void* buf, std::size_t len) {
+    requireHandle("recvArray");
+    std::size_t got = 0;
+    while (got < len) {
+        const ssize_t count = ::read(fd_, static_cast<char*>(buf) + got, len - got);
+        if (count == 0) {
+            // A time-out, or the end of a port that is gone: the caller tells by the count.
+            log(LOG_BIT_ERROR, "SerialLink::recvArray: read returned with EOF (0)");
+            break;
+        }
+        if (count < 0) {
+            logSystemError("SerialLink::recvArray:", "read", errno);
+            orvex::raise("SerialLink::recvArray: read.", ORVEX_ERR_RECV);
+        }
+        got += static_cast<std::size_t>(count);
+    }
+    return got;
+}
+
+char SerialLink::recvChar() {
+    char c = 0;
+    for (int attempt = 0; attempt < kReadAttempts; ++attempt) {
+        const std::size_t got = recvArray(&c, 1);
+        if (got > 1) {
+            log(LOG_BIT_WARNING,
+                "SerialLink::recvChar: returned with len > 1: " + std::to_string(got));
+        }
+        if (got > 0) {
+            return c;
+        }
+        std::this_thread::sleep_for(kReadPause);
+    }
+    // The byte, still 0: programs know the text with this digit at its end.
+    orvex::raise("SerialLink::recvChar: Wrong recv length: " + std::to_string(c), ORVEX_ERR_RECV);
+}
+
+void SerialLink::sendArray(const void* buf, std::size_t len) {
+    requireHandle("sendArray");
+    const ssize_t written = ::write(fd_, buf, len);
+    if (written < 0) {
+        logSystemError("SerialLink::sendArray:", "write", errno);
+        orvex::raise("SerialLink::sendArray: write.", ORVEX_ERR_SEND);
+    }
+    if (static_cast<std::size_t>(written) != len) {
+        clog(LOG_BIT_ERROR, "SerialLink::sendArray: written bytes: %d != requested len: %d",
+             static_cast<int>(written), static_cast<int>(len));
+        orvex::raise("SerialLink::sendArray: Wrong sent length: " + std::to_string(written),
+                     ORVEX_ERR_SEND);
+    }
+}
+
+void SerialLink::sendChar(char c) {
+    sendArray(&c, 1);
+}
+
+void SerialLink::purge() {
+    requireHandle("purge");
+    if (::ioctl(fd_, TCFLSH, TCIOFLUSH) != 0) {
+        logSystemError("SerialLink::purge:", "ioctl", errno);
+        orvex::raise("SerialLink::purge: read.", ORVEX_ERR_IO);
+    }
+}
+
+void SerialLink::requireHandle(const char* operation) const {
+    if (fd_ == 0) {
+        orvex::raise(std::string("SerialLink::") + operation + ": no handle.", ORVEX_ERR_NO_HANDLE);
+    }
+}
