@@ -19,6 +19,7 @@ class ORVEX_API DriverException : public std::exception {
     /// A failure with a text of its own behind the code.
     DriverException(std::string text, int code);
 
+    /// Frees the text.
     ~DriverException() override;
 
     /// The whole text; valid as long as the exception.

@@ -38,7 +38,8 @@ struct LedCommand {
 };
 
 // The letters behind "=" are the device's own notation of its arguments and are sent as they
-// stand; "\r" is one carriage return that is part of the request.
+// stand; "\r" is one carriage return that is part of the request. A name given twice keeps its
+// first row.
 // clang-format off
 constexpr LedCommand kLedCommands[] = {
     {"Connect",                          "co",                          "co\r",   "co"},
@@ -121,7 +122,7 @@ constexpr LedCommand kLedCommands[] = {
     {"SetVirtualPower",                  none,                          none,     "vp="},
     {"GetVirtualPower",                  none,                          none,     "vp?"},
     {"GainSetting",                      none,                          none,     "ga?"},
-    {"GainSetting",                      none,                          none,     "ga="},  // Unreached: the first row holds.
+    {"GainSetting",                      none,                          none,     "ga="},
     {"GetOpticalIntensitySensorADC",     none,                          none,     "re?"},
     {"GetFilterHD",                      none,                          none,     "hd?"},
     {"SetFilterHD",                      none,                          none,     "hd="},

@@ -48,11 +48,15 @@ class ORVEX_API LightDevice {
     /// Clears the cached state; sends nothing.
     void resetDevice();
 
+    /// Whether the port is open; waits for an exchange in progress.
     [[nodiscard]] bool isConnected() const;
     /// The handle: this object's address.
     [[nodiscard]] void* hDev() noexcept;
+    /// How many opens have not been closed.
     [[nodiscard]] std::uint32_t getOpenCount() const noexcept;
+    /// The model.
     [[nodiscard]] OrvexType getType() const noexcept;
+    /// The port's path.
     [[nodiscard]] std::string getComPort() const;
     /// @}
 

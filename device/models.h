@@ -25,8 +25,11 @@ extern ORVEX_API_DATA const std::unordered_map<std::uint16_t, OrvexType> gl_usb_
 extern ORVEX_API_DATA const CommandTable gl_cmd_lamp;
 /// Lamps, extended set: models 1 to 6, beside the basic one.
 extern ORVEX_API_DATA const CommandTable gl_cmd_lamp_ext;
+/// Spruce, model 7.
 extern ORVEX_API_DATA const CommandTable gl_cmd_spruce;
+/// Tamar, model 8.
 extern ORVEX_API_DATA const CommandTable gl_cmd_tamar;
+/// Willow, model 9.
 extern ORVEX_API_DATA const CommandTable gl_cmd_willow;
 
 namespace orvex {

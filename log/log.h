@@ -18,8 +18,6 @@
 #include "log/hexstring.h"
 #include "log/logger.h"
 
-/// The mask of enabled classes, 0x7F at first.
-extern ORVEX_API_DATA std::atomic<std::uint32_t> gl_log_bits;
 /// The destination, a LOG_METHOD_… value.
 extern ORVEX_API_DATA std::atomic<int> gl_log_method;
 /// The log file's path, "./lib_debug.log" at first. Guarded by gl_lock.

@@ -11,6 +11,7 @@
 #include "include/qtr_orvex.h"
 #include "log/export.h"
 
+/// The mask of enabled message classes, 0x7F at first.
 extern ORVEX_API_DATA std::atomic<std::uint32_t> gl_log_bits;
 
 /// One message, put together with << and written when the object goes out of scope.
@@ -38,9 +39,11 @@ class ORVEX_API Logger {
     /// Writes the message, if there is any text, and starts an empty one.
     void flush();
 
-    /// Mirrors of the log's settings, stored by the logging calls while they hold gl_lock.
+    /// Mirrors gl_log_method; called by the logging calls while they hold gl_lock.
     static void setLogMethod(int method);
+    /// Mirrors gl_log_filename; called by the logging calls while they hold gl_lock.
     static void setLogFile(const std::string& path);
+    /// Mirrors gl_cb; called by the logging calls while they hold gl_lock.
     static void setLogCallback(OrvexLogCallback receiver);
 
   private:

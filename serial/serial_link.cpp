@@ -22,6 +22,20 @@ constexpr int kReadAttempts = 3;
 constexpr auto kReadPause = 200ms;
 constexpr auto kClosingPause = 10ms;
 
+/// Opens a port on a descriptor above 0, which stands for "not connected": a daemon that has closed
+/// its standard input would be given 0.
+int openPort(const char* path) {
+    const int fd = ::open(path, O_RDWR);
+    if (fd != 0) {
+        return fd;
+    }
+    const int higher = ::fcntl(fd, F_DUPFD, 1);
+    const int error = errno;
+    ::close(fd);
+    errno = error;
+    return higher;
+}
+
 }  // namespace
 
 SerialLink::SerialLink(char c) : saved_(std::make_unique<Saved>()) {
@@ -58,7 +72,7 @@ unsigned SerialLink::connect(const std::string& port, unsigned baud) {
         return refused;
     }
     clog(LOG_BIT_SERIAL, "SerialLink::connect: port: %s", port_.c_str());
-    const int fd = ::open(port_.c_str(), O_RDWR);
+    const int fd = openPort(port_.c_str());
     if (fd < 0) {
         const int error = errno;
         clog(LOG_BIT_ERROR, "SerialLink::connect: open port: %s", port_.c_str());
