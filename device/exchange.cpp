@@ -10,7 +10,7 @@
 #include "device/light_device.h"
 #include "log/log.h"
 
-using std::chrono_literals::operator""ms;
+using namespace std::chrono_literals;
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "device/reply.h"
 #include "log/log.h"
 
-using std::chrono_literals::operator""ms;
+using namespace std::chrono_literals;
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include "serial/system_error.h"
 
 using orvex::logSystemError;
-using std::chrono_literals::operator""ms;
+using namespace std::chrono_literals;
 
 namespace {
 
