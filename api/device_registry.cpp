@@ -1,3 +1,9 @@
 #include "api/device_registry.h"
 
-std::unordered_map<void*, std::unique_ptr<LightDevice>> gl_devs;
+namespace {
+
+std::unordered_map<void*, std::unique_ptr<LightDevice>> devices;
+
+}  // namespace
+
+std::unordered_map<void*, std::unique_ptr<LightDevice>>& gl_devs = devices;

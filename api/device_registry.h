@@ -6,9 +6,8 @@
 #include <unordered_map>
 
 #include "device/light_device.h"
-#include "log/export.h"
 
 /// Handle to device. Only updateDeviceList adds and erases entries; erasing one destroys the
 /// device, and so does unloading the library. No lock guards it: the application keeps calls that
 /// change it apart from all others.
-extern ORVEX_API_DATA std::unordered_map<void*, std::unique_ptr<LightDevice>> gl_devs;
+extern ORVEX_API std::unordered_map<void*, std::unique_ptr<LightDevice>>& gl_devs;

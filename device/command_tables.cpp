@@ -1,7 +1,9 @@
 // The command tables: what a caller calls a command, and what the device is sent for it.
 #include "device/models.h"
 
-const CommandTable gl_cmd_lamp = {
+namespace {
+
+const CommandTable lampTable = {
     {"Connect", "tt"},       {"LockFrontPanel", "ll"}, {"UnlockFrontPanel", "nn"},
     {"ClearAlarm", "aa"},    {"OpenShutter", "mm"},    {"CloseShutter", "zz"},
     {"TurnLampOn", "bb"},    {"TurnLampOff", "ss"},    {"GetSoftwareVersion", "vv"},
@@ -9,7 +11,7 @@ const CommandTable gl_cmd_lamp = {
     {"SetIntensityH4", "i"},
 };
 
-const CommandTable gl_cmd_lamp_ext = {
+const CommandTable lampExtendedTable = {
     {"EnableExtendedCommands", "jj"},
     {"GetIntensity", "dd"},
     {"SetIntensity", "d"},
@@ -24,8 +26,6 @@ const CommandTable gl_cmd_lamp_ext = {
     {"GetOutputPower", "pp"},
     {"GetPowerFactor", "??"},
 };
-
-namespace {
 
 constexpr const char* none = nullptr;
 
@@ -139,8 +139,14 @@ CommandTable tableOf(const char* LedCommand::*model) {
     return table;
 }
 
+const CommandTable spruceTable = tableOf(&LedCommand::spruce);
+const CommandTable tamarTable = tableOf(&LedCommand::tamar);
+const CommandTable willowTable = tableOf(&LedCommand::willow);
+
 }  // namespace
 
-const CommandTable gl_cmd_spruce = tableOf(&LedCommand::spruce);
-const CommandTable gl_cmd_tamar = tableOf(&LedCommand::tamar);
-const CommandTable gl_cmd_willow = tableOf(&LedCommand::willow);
+const CommandTable& gl_cmd_lamp = lampTable;
+const CommandTable& gl_cmd_lamp_ext = lampExtendedTable;
+const CommandTable& gl_cmd_spruce = spruceTable;
+const CommandTable& gl_cmd_tamar = tamarTable;
+const CommandTable& gl_cmd_willow = willowTable;

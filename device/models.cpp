@@ -22,7 +22,7 @@ constexpr std::uint32_t kLeds = ORVEX_CAP_LED;
 
 // Rowan speaks the lamps' commands and is nevertheless read out like a multi-LED source.
 // clang-format off
-constexpr Model kModels[] = {
+const Model kModels[] = {
     {ORVEX_TYPE_ALDER,     "Alder",            0,      &gl_cmd_lamp,   none,             kBasic},
     {ORVEX_TYPE_BIRCH,     "Birch",            0,      &gl_cmd_lamp,   &gl_cmd_lamp_ext, kExtended},
     {ORVEX_TYPE_CEDAR,     "Cedar",            0xEA02, &gl_cmd_lamp,   &gl_cmd_lamp_ext, kExtended},
@@ -64,10 +64,13 @@ const Model& usableModel(OrvexType type) {
     orvex::raise("Not implemented/unknown device type", ORVEX_ERR_INVALID_ARG);
 }
 
+const std::unordered_map<OrvexType, std::string> nameTable = typeNames();
+const std::unordered_map<std::uint16_t, OrvexType> productTable = usbProducts();
+
 }  // namespace
 
-const std::unordered_map<OrvexType, std::string> gl_type_names = typeNames();
-const std::unordered_map<std::uint16_t, OrvexType> gl_usb_pid_types = usbProducts();
+const std::unordered_map<OrvexType, std::string>& gl_type_names = nameTable;
+const std::unordered_map<std::uint16_t, OrvexType>& gl_usb_pid_types = productTable;
 
 namespace orvex {
 

@@ -17,20 +17,20 @@
 using CommandTable = std::map<std::string, std::string>;
 
 /// Every model's name, and a text for an unknown one.
-extern ORVEX_API_DATA const std::unordered_map<OrvexType, std::string> gl_type_names;
+extern ORVEX_API const std::unordered_map<OrvexType, std::string>& gl_type_names;
 /// USB product identifier (under vendor 0x04D8) to model.
-extern ORVEX_API_DATA const std::unordered_map<std::uint16_t, OrvexType> gl_usb_pid_types;
+extern ORVEX_API const std::unordered_map<std::uint16_t, OrvexType>& gl_usb_pid_types;
 
 /// Lamps, basic set: models 0 to 6.
-extern ORVEX_API_DATA const CommandTable gl_cmd_lamp;
+extern ORVEX_API const CommandTable& gl_cmd_lamp;
 /// Lamps, extended set: models 1 to 6, beside the basic one.
-extern ORVEX_API_DATA const CommandTable gl_cmd_lamp_ext;
+extern ORVEX_API const CommandTable& gl_cmd_lamp_ext;
 /// Spruce, model 7.
-extern ORVEX_API_DATA const CommandTable gl_cmd_spruce;
+extern ORVEX_API const CommandTable& gl_cmd_spruce;
 /// Tamar, model 8.
-extern ORVEX_API_DATA const CommandTable gl_cmd_tamar;
+extern ORVEX_API const CommandTable& gl_cmd_tamar;
 /// Willow, model 9.
-extern ORVEX_API_DATA const CommandTable gl_cmd_willow;
+extern ORVEX_API const CommandTable& gl_cmd_willow;
 
 namespace orvex {
 

@@ -204,7 +204,10 @@ typedef void (*OrvexLogCallback)(const char* text);
  * @brief Reports the library's version, 1.1.0.1.
  *
  * Never blocks, never fails; may be called from any thread.
- * @param[out] major,minor,release,build one number each; a null pointer is skipped
+ * @param[out] major   the first number, 1; may be null
+ * @param[out] minor   the second number, 1; may be null
+ * @param[out] release the third number, 0; may be null
+ * @param[out] build   the fourth number, 1; may be null
  * @return ::ORVEX_OK
  */
 ORVEX_API uint32_t ORVEX_GetVersion(uint32_t* major, uint32_t* minor, uint32_t* release,

@@ -18,14 +18,16 @@
 #include "log/hexstring.h"
 #include "log/logger.h"
 
+/// The mask of enabled message classes, 0x7F at first.
+extern ORVEX_API std::atomic<std::uint32_t>& gl_log_bits;
 /// The destination, a LOG_METHOD_… value.
-extern ORVEX_API_DATA std::atomic<int> gl_log_method;
+extern ORVEX_API std::atomic<int>& gl_log_method;
 /// The log file's path, "./lib_debug.log" at first. Guarded by gl_lock.
-extern ORVEX_API_DATA std::string gl_log_filename;
+extern ORVEX_API std::string& gl_log_filename;
 /// The log callback, null at first. Guarded by gl_lock.
-extern ORVEX_API_DATA OrvexLogCallback gl_cb;
+extern ORVEX_API OrvexLogCallback& gl_cb;
 /// Serialises the sinks and the configuration of the log. Not recursive.
-extern ORVEX_API_DATA std::mutex gl_lock;
+extern ORVEX_API std::mutex& gl_lock;
 
 /// Writes a line to standard output and flushes it.
 ORVEX_API void stdOut(const std::string& message);

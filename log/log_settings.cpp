@@ -5,13 +5,22 @@
 // that are destroyed when the library is unloaded still log.
 #define ORVEX_OUTLIVES_THE_REST __attribute__((init_priority(101)))
 
-std::atomic<std::uint32_t> gl_log_bits{LOG_BIT_ERROR | LOG_BIT_INFO | LOG_BIT_RESERVED |
-                                       LOG_BIT_SERIAL | LOG_BIT_WARNING | LOG_BIT_DETAIL |
-                                       LOG_BIT_TRAFFIC};
-std::atomic<int> gl_log_method{LOG_METHOD_STDOUT};
-ORVEX_OUTLIVES_THE_REST std::string gl_log_filename = "./lib_debug.log";
-OrvexLogCallback gl_cb = nullptr;
-std::mutex gl_lock;
+namespace {
+
+std::atomic<std::uint32_t> bits{LOG_BIT_ERROR | LOG_BIT_INFO | LOG_BIT_RESERVED | LOG_BIT_SERIAL |
+                                LOG_BIT_WARNING | LOG_BIT_DETAIL | LOG_BIT_TRAFFIC};
+std::atomic<int> method{LOG_METHOD_STDOUT};
+ORVEX_OUTLIVES_THE_REST std::string filename = "./lib_debug.log";
+OrvexLogCallback receiver = nullptr;
+std::mutex lock;
+
+}  // namespace
+
+std::atomic<std::uint32_t>& gl_log_bits = bits;
+std::atomic<int>& gl_log_method = method;
+std::string& gl_log_filename = filename;
+OrvexLogCallback& gl_cb = receiver;
+std::mutex& gl_lock = lock;
 
 std::mutex Logger::mutex_;
 std::atomic<int> Logger::log_method_{LOG_METHOD_STDOUT};
@@ -19,9 +28,9 @@ std::atomic<OrvexLogCallback> Logger::log_callback_{nullptr};
 ORVEX_OUTLIVES_THE_REST std::string Logger::log_filename_ = "./lib_debug.log";
 std::mutex Logger::filename_mutex_;
 
-void ORVEX_SetLogBits(uint32_t bits) {
+void ORVEX_SetLogBits(uint32_t mask) {
     const std::lock_guard<std::mutex> guard(gl_lock);
-    gl_log_bits = bits;
+    gl_log_bits = mask;
 }
 
 uint32_t ORVEX_GetLogBits(void) {

@@ -25,6 +25,14 @@ void Logger::flush() {
     stream_.clear();
 }
 
+std::mutex& Logger::mutex() noexcept {
+    return mutex_;
+}
+
+bool Logger::isEnabled() const noexcept {
+    return (gl_log_bits & level_) != 0;
+}
+
 void Logger::emit(const std::string& line) {
     switch (log_method_) {
         case LOG_METHOD_FILE:

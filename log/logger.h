@@ -11,9 +11,6 @@
 #include "include/qtr_orvex.h"
 #include "log/export.h"
 
-/// The mask of enabled message classes, 0x7F at first.
-extern ORVEX_API_DATA std::atomic<std::uint32_t> gl_log_bits;
-
 /// One message, put together with << and written when the object goes out of scope.
 ///
 /// Other than log(), under LOG_METHOD_STDOUT it writes errors, too, to standard output.
@@ -29,8 +26,8 @@ class ORVEX_API Logger {
     /// Appends a value, unless the message's class is disabled at this moment.
     template <typename T>
     Logger& operator<<(const T& value) {
-        const std::lock_guard<std::mutex> guard(mutex_);
-        if ((gl_log_bits & level_) != 0) {
+        const std::lock_guard<std::mutex> guard(mutex());
+        if (isEnabled()) {
             stream_ << value;
         }
         return *this;
@@ -47,13 +44,15 @@ class ORVEX_API Logger {
     static void setLogCallback(OrvexLogCallback receiver);
 
   private:
+    [[nodiscard]] static std::mutex& mutex() noexcept;
+    [[nodiscard]] bool isEnabled() const noexcept;
     ORVEX_LOCAL static void emit(const std::string& line);
     ORVEX_LOCAL static void appendToFile(const std::string& line);
 
-    static ORVEX_API_DATA std::mutex mutex_;
-    static ORVEX_API_DATA std::atomic<int> log_method_;
-    static ORVEX_API_DATA std::atomic<OrvexLogCallback> log_callback_;
-    static ORVEX_API_DATA std::string log_filename_;
+    ORVEX_LOCAL static std::mutex mutex_;
+    ORVEX_LOCAL static std::atomic<int> log_method_;
+    ORVEX_LOCAL static std::atomic<OrvexLogCallback> log_callback_;
+    ORVEX_LOCAL static std::string log_filename_;
     /// Held only while log_filename_ is copied: a setter cannot wait for mutex_, which a callback
     /// that calls the setter has above it.
     ORVEX_LOCAL static std::mutex filename_mutex_;
