@@ -2,7 +2,6 @@
 /// A simulated device without a port: bytes in, replies out.
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -12,6 +11,7 @@
 #include "sim/command_lookup.h"
 #include "sim/device_state.h"
 #include "sim/fault.h"
+#include "sim/talker.h"
 #include "sim/traffic_record.h"
 
 namespace orvex::sim {
@@ -22,27 +22,17 @@ enum class Direction { toDevice, toClient };
 /// Sees the bytes as they come and go; runs in the thread that moves them.
 using Observer = std::function<void(Direction, std::string_view bytes)>;
 
-/// Something a device sends.
-struct Transmission {
-    std::string bytes;
-    std::chrono::milliseconds delay{0};  ///< After the transmission before it.
-    bool endsAtNextRequest = false;      ///< To be dropped when the client sends anything more.
-    bool hangUp = false;                 ///< The port ends here; bytes is empty.
-};
-
 /// One device's side of the protocol.
 ///
 /// Requests end in a carriage return, replies too; a request that cannot be understood, or whose
 /// value is not valid, is answered "e". The byte "A" at a request's place is answered at once, by
 /// "A". receive() is for one thread at a time, everything else for any.
-class Conversation {
+class Conversation final : public Talker {
   public:
     /// @throws std::invalid_argument when there is no such model
     explicit Conversation(const DeviceSetup& setup);
 
-    /// Takes what a client sent, in pieces of any size.
-    /// @return what to send back, in order
-    [[nodiscard]] std::vector<Transmission> receive(std::string_view bytes);
+    [[nodiscard]] std::vector<Transmission> receive(std::string_view bytes) override;
     /// receive() without the timing: all the reply bytes in one.
     [[nodiscard]] std::string exchange(std::string_view bytes);
     /// Forgets a request that has begun: a client has opened the port anew, or the line was cut.

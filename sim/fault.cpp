@@ -56,7 +56,8 @@ Trigger onCommand(std::string name) {
 }
 
 Trigger onRequest(std::string text) {
-    return {Trigger::Kind::request, text.substr(0, text.find('\r'))};
+    text.resize(std::min(text.find('\r'), text.size()));
+    return {Trigger::Kind::request, std::move(text)};
 }
 
 Trigger onAny() {

@@ -35,10 +35,9 @@ int millisecondsUntil(Clock::time_point due) {
 
 }  // namespace
 
-LineServer::LineServer(int line, Conversation& conversation, std::function<void()> lineEnds,
-                       Observer observer)
+LineServer::LineServer(int line, Talker& talker, std::function<void()> lineEnds, Observer observer)
     : line_(line),
-      conversation_(conversation),
+      talker_(talker),
       lineEnds_(std::move(lineEnds)),
       observer_(std::move(observer)),
       wakeUp_(makeEvent()),
@@ -90,7 +89,7 @@ bool LineServer::receive() {
     if (observer_) {
         observer_(Direction::toDevice, bytes);
     }
-    enqueue(conversation_.receive(bytes));
+    enqueue(talker_.receive(bytes));
     return true;
 }
 

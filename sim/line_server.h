@@ -13,7 +13,7 @@
 
 namespace orvex::sim {
 
-/// Moves bytes between a line and a Conversation in a thread of its own, until it is destroyed or
+/// Moves bytes between a line and a Talker in a thread of its own, until it is destroyed or
 /// the line ends. The thread sleeps while there is nothing to move.
 ///
 /// The line is any terminal in raw mode that does not block: a pseudo-terminal's master, or a real
@@ -21,12 +21,11 @@ namespace orvex::sim {
 class LineServer {
   public:
     /// @param line stays the caller's and open until the server is gone or @p lineEnds was called
-    /// @param conversation outlives the server
+    /// @param talker outlives the server; it is called in the server's thread
     /// @param lineEnds called in the server's thread, as its last act, when the line has ended or
     ///        the device hangs up; it may close the line
     /// @throws std::system_error
-    LineServer(int line, Conversation& conversation, std::function<void()> lineEnds,
-               Observer observer = {});
+    LineServer(int line, Talker& talker, std::function<void()> lineEnds, Observer observer = {});
     LineServer(const LineServer&) = delete;
     LineServer& operator=(const LineServer&) = delete;
     ~LineServer();
@@ -42,7 +41,7 @@ class LineServer {
     [[nodiscard]] bool sendFront();
 
     const int line_;
-    Conversation& conversation_;
+    Talker& talker_;
     const std::function<void()> lineEnds_;
     const Observer observer_;
     const Descriptor wakeUp_;

@@ -5,8 +5,13 @@
 namespace orvex::sim {
 
 SimulatedDevice::SimulatedDevice(const DeviceSetup& setup, Observer observer)
+    : SimulatedDevice(setup, std::move(observer), {}) {}
+
+SimulatedDevice::SimulatedDevice(const DeviceSetup& setup, Observer observer,
+                                 std::function<void()> hangsUp)
     : model_(setup.model),
       observer_(std::move(observer)),
+      hangsUp_(std::move(hangsUp)),
       conversation_(setup),
       path_(directory_.path() + "/ttyACM0") {
     plugIn();
@@ -41,7 +46,7 @@ void SimulatedDevice::plugIn() {
         terminal_ = std::move(terminal);
     }
     server_ = std::make_unique<LineServer>(
-        line, conversation_, [this] { endPort(); }, observer_);
+        line, conversation_, [this] { hangUpByItself(); }, observer_);
 }
 
 bool SimulatedDevice::isPluggedIn() const {
@@ -61,6 +66,13 @@ void SimulatedDevice::replyWith(const std::string& command, const std::string& b
 void SimulatedDevice::endPort() {
     const std::lock_guard lock(mutex_);
     terminal_.reset();
+}
+
+void SimulatedDevice::hangUpByItself() {
+    endPort();
+    if (hangsUp_) {
+        hangsUp_();
+    }
 }
 
 }  // namespace orvex::sim

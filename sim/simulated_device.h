@@ -26,6 +26,8 @@ class SimulatedDevice {
     /// @throws std::invalid_argument when there is no such model
     /// @throws std::system_error when no pseudo-terminal can be had
     explicit SimulatedDevice(const DeviceSetup& setup, Observer observer = {});
+    /// @param hangsUp called in the device's thread after a fault has ended the port
+    SimulatedDevice(const DeviceSetup& setup, Observer observer, std::function<void()> hangsUp);
     SimulatedDevice(const SimulatedDevice&) = delete;
     SimulatedDevice& operator=(const SimulatedDevice&) = delete;
     ~SimulatedDevice();
@@ -73,9 +75,11 @@ class SimulatedDevice {
 
   private:
     void endPort();
+    void hangUpByItself();
 
     const OrvexType model_;
     const Observer observer_;
+    const std::function<void()> hangsUp_;
     Conversation conversation_;
     const TemporaryDirectory directory_;
     const std::string path_;

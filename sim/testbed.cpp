@@ -109,15 +109,28 @@ struct Testbed::Implementation {
 
     [[nodiscard]] fs::path nodeOf(const std::string& port) const { return root + port; }
     [[nodiscard]] std::string freePort() const;
+    void makeNode(const std::string& port, const std::string& terminal);
     void describe(const std::string& text);
 };
 
 std::string Testbed::Implementation::freePort() const {
     for (unsigned number = 0;; ++number) {
-        const std::string port = "/dev/ttyACM" + std::to_string(number);
+        std::string port = "/dev/ttyACM" + std::to_string(number);
         if (ports.count(port) == 0) {
             return port;
         }
+    }
+}
+
+/// Before the port is described: that announces it.
+void Testbed::Implementation::makeNode(const std::string& port, const std::string& terminal) {
+    // A link that leads nowhere stands for a port that cannot be opened.
+    fs::create_symlink(terminal.empty() ? "nowhere" : terminal, nodeOf(port));
+    if (!terminal.empty()) {
+        GError* error = nullptr;
+        const gboolean attached =
+            umockdev_testbed_attach_ioctl(testbed.get(), port.c_str(), handler.get(), &error);
+        require(attached, error);
     }
 }
 
@@ -165,24 +178,15 @@ std::string Testbed::plug(const SimulatedDevice& device, const UsbIdentity& iden
 
 std::string Testbed::plug(const UsbIdentity& identity, const std::string& terminal) {
     Implementation& bed = *implementation_;
-    const std::string port =
-        identity.kernelName.empty() ? bed.freePort() : "/dev/" + identity.kernelName;
+    std::string port = identity.kernelName.empty() ? bed.freePort() : "/dev/" + identity.kernelName;
     if (bed.ports.count(port) != 0) {
         throw std::runtime_error(port + " is there already");
     }
+    bed.makeNode(port, terminal);
     const unsigned number = bed.next++;
     const Place place = placeOf(number, port.substr(sizeof "/dev/" - 1));
-    bed.describe(usbDescription(place, identity));
-    bed.describe(ttyDescription(place, port, number));
+    bed.describe(usbDescription(place, identity) + ttyDescription(place, port, number));
     bed.ports.emplace(port, place);
-    // A link that leads nowhere stands for a port that cannot be opened.
-    fs::create_symlink(terminal.empty() ? "nowhere" : terminal, bed.nodeOf(port));
-    if (!terminal.empty()) {
-        GError* error = nullptr;
-        const gboolean attached = umockdev_testbed_attach_ioctl(bed.testbed.get(), port.c_str(),
-                                                                bed.handler.get(), &error);
-        require(attached, error);
-    }
     return port;
 }
 

@@ -31,9 +31,13 @@ struct UsbIdentity {
 /// A machine's devices, replaced by simulated ones while this object lives.
 ///
 /// For this process and the processes it starts, /sys holds the testbed's devices alone and libudev
-/// works on them unchanged; below /dev the testbed's ports are there beside the real ones. Programs
-/// that use it link orvex_umockdev; programs that they start and that are not linked so need
-/// preloadLibrary() in LD_PRELOAD. One testbed at a time; one thread at a time.
+/// works on them unchanged, monitors too; below /dev the testbed's ports are there beside the real
+/// ones. Programs that use it link orvex_umockdev (orvex_testbed brings it along); programs that
+/// they start and that are not linked so need preloadLibrary() in LD_PRELOAD.
+///
+/// A port may be open when it is unplugged, but not when the testbed ends: a later ioctl() on it
+/// would wait or abort the process. A udev monitor must be read: a full one aborts the process that
+/// plugs. One testbed at a time, and one thread at a time.
 class Testbed {
   public:
     /// @throws std::runtime_error when the process does not run under the preload library

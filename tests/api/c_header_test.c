@@ -12,17 +12,17 @@ static int failures = 0;
 static int lines = 0;
 static void* library = NULL;
 
-#define EXPECT(condition)                                              \
-    do {                                                               \
-        if (!(condition)) {                                            \
-            fprintf(stderr, "line %d: %s\n", __LINE__, #condition);    \
-            ++failures;                                                \
-        }                                                              \
+#define EXPECT(condition)                                           \
+    do {                                                            \
+        if (!(condition)) {                                         \
+            fprintf(stderr, "line %d: %s\n", __LINE__, #condition); \
+            ++failures;                                             \
+        }                                                           \
     } while (0)
 
 /* A pointer to the call of this name and type. */
-#define FIND(type, call)              \
-    type call##_ = NULL;              \
+#define FIND(type, call) \
+    type call##_ = NULL; \
     find(&call##_, sizeof call##_, #call)
 
 static void find(void* function, size_t size, const char* name) {
@@ -58,7 +58,7 @@ _Static_assert(sizeof(OrvexChannel) == 116, "the channel's size is fixed");
 _Static_assert(ORVEX_MAX_CHANNEL == 16, "the number of channel records is fixed");
 
 /* The declarations have these types; nothing here is called or linked. */
-#define HAS_TYPE(type, call) _Static_assert(_Generic(&(call), type: 1, default: 0), #call)
+#define HAS_TYPE(type, call) _Static_assert(_Generic(&(call), type : 1, default : 0), #call)
 
 HAS_TYPE(GetVersion, ORVEX_GetVersion);
 HAS_TYPE(ScanDevices, ORVEX_ScanDevices);

@@ -53,8 +53,7 @@ TEST_F(CloseDevice, LogsEachLineWithItsOwnBit) {
     EXPECT_THAT(log.take(), ElementsAre("ORVEX_CloseDevice: 0x1234"));
     log.restart(0x10);
     api().CloseDevice(0x1234);
-    EXPECT_THAT(log.take(),
-                ElementsAre("Warning: ORVEX_CloseDevice: Handle not found: 0x1234"));
+    EXPECT_THAT(log.take(), ElementsAre("Warning: ORVEX_CloseDevice: Handle not found: 0x1234"));
     log.restart(0x2);
     api().CloseDevice(0x1234);
     EXPECT_THAT(log.take(), ElementsAre(kSeparator));
@@ -68,8 +67,7 @@ TEST_F(CloseDevice, LeavesADeviceAloneThatWasNotOpened) {
     const std::uint64_t handle = scan().at(0);
     static_cast<void>(log.take());
     api().CloseDevice(handle);
-    EXPECT_THAT(log.take(),
-                ElementsAre("ORVEX_CloseDevice: " + handleText(handle), kSeparator));
+    EXPECT_THAT(log.take(), ElementsAre("ORVEX_CloseDevice: " + handleText(handle), kSeparator));
     EXPECT_EQ(openCount(handle), 0u);
     EXPECT_EQ(device.received(), "");
 }
@@ -106,15 +104,15 @@ TEST_F(CloseDevice, TakesOneOpenBackOfSeveral) {
     EXPECT_EQ(api().OpenDeviceEx(handle), 0u);
     static_cast<void>(log.take());
     api().CloseDevice(handle);
-    EXPECT_THAT(log.take(), ElementsAre("ORVEX_CloseDevice: " + handleText(handle),
-                                        "Closed 1x device " + handleText(handle) +
-                                            ". Is still open 2 time(s).",
-                                        kSeparator));
+    EXPECT_THAT(log.take(),
+                ElementsAre("ORVEX_CloseDevice: " + handleText(handle),
+                            "Closed 1x device " + handleText(handle) + ". Is still open 2 time(s).",
+                            kSeparator));
     api().CloseDevice(handle);
-    EXPECT_THAT(log.take(), ElementsAre("ORVEX_CloseDevice: " + handleText(handle),
-                                        "Closed 1x device " + handleText(handle) +
-                                            ". Is still open 1 time(s).",
-                                        kSeparator));
+    EXPECT_THAT(log.take(),
+                ElementsAre("ORVEX_CloseDevice: " + handleText(handle),
+                            "Closed 1x device " + handleText(handle) + ". Is still open 1 time(s).",
+                            kSeparator));
     EXPECT_EQ(device.received(), "");
     api().CloseDevice(handle);
     EXPECT_THAT(device.requests(), ElementsAre("dc\r"));

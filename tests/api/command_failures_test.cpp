@@ -176,9 +176,9 @@ TEST_F(CommandFailures, TheRequestIsTooLong) {
     device.addFault(orvex::sim::onAny(), orvex::sim::scripted("\r"));
     std::array<char, 16> reply{};
     const std::string longest(1020, '5');
-    EXPECT_EQ(api().ExecuteCommandWithValue(handle, "SetIntensity", reply.data(), 16,
-                                            longest.c_str()),
-              0u);
+    EXPECT_EQ(
+        api().ExecuteCommandWithValue(handle, "SetIntensity", reply.data(), 16, longest.c_str()),
+        0u);
     EXPECT_EQ(device.received(), "ip=" + longest + "\r");
     device.clearRecord();
     log.restart(0x1);

@@ -1,6 +1,5 @@
 // The C header in a C++ program: before any other header, and twice.
 #include "include/qtr_orvex.h"
-#include "include/qtr_orvex.h"
 
 #include <gtest/gtest.h>
 
@@ -11,10 +10,11 @@ namespace {
 
 static_assert(std::is_same_v<decltype(ORVEX_ScanDevices),
                              std::uint32_t(std::uint64_t*, std::uint32_t, std::uint32_t*)>);
-static_assert(std::is_same_v<decltype(ORVEX_OpenDevice),
-                             std::uint32_t(std::uint64_t*, std::uint32_t, const char*,
-                                           std::uint32_t)>);
-static_assert(std::is_same_v<decltype(ORVEX_SwitchOrvex), std::uint32_t(std::uint64_t, bool, bool)>);
+static_assert(
+    std::is_same_v<decltype(ORVEX_OpenDevice),
+                   std::uint32_t(std::uint64_t*, std::uint32_t, const char*, std::uint32_t)>);
+static_assert(
+    std::is_same_v<decltype(ORVEX_SwitchOrvex), std::uint32_t(std::uint64_t, bool, bool)>);
 static_assert(std::is_same_v<OrvexLogCallback, void (*)(const char*)>);
 static_assert(std::is_same_v<OrvexType, std::uint32_t>);
 static_assert(std::is_standard_layout_v<OrvexStruct> && std::is_trivial_v<OrvexStruct>);

@@ -110,8 +110,7 @@ TEST_F(ExecuteCommand, HandsOnTheLongestReply) {
 TEST_F(ExecuteCommand, PutsTheValueBehindTheRequest) {
     Device& device = attach(ORVEX_TYPE_CEDAR);
     const std::uint64_t handle = open();
-    EXPECT_EQ(
-        api().ExecuteCommandWithValue(handle, "SetIntensity", buffer.data(), 16, "75"), 0u);
+    EXPECT_EQ(api().ExecuteCommandWithValue(handle, "SetIntensity", buffer.data(), 16, "75"), 0u);
     EXPECT_THAT(device.requests(), ElementsAre("d75\r"));
     EXPECT_EQ(device.state().channels.at(0).intensity, 750);
 }

@@ -2,10 +2,11 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <cstdint>
 #include <filesystem>
-#include <regex>
 #include <string>
+#include <vector>
 
 #include "tests/support/attached_devices.h"
 #include "tests/support/output_capture.h"
@@ -20,20 +21,37 @@ using orvex_test::TemporaryDirectory;
 using orvex_test::WorkingDirectory;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::ResultOf;
 
 constexpr const char* kErrorLine = "Error: ORVEX_OpenDeviceEx: handle was nullptr";
 constexpr const char* kNoMatchLine =
     "Error: ORVEX_OpenDevice: ORVEX_OpenDevice: no match with type 65535 at <>, num scanned: 0";
 
+constexpr const char* kStamp = "[0000-00-00 00:00:00] ";
+
+/// A line with each digit of its time stamp made a "0".
+std::string withoutDigits(std::string line) {
+    for (std::size_t k = 0; k < line.size() && line[k] != ']'; ++k) {
+        line[k] = std::isdigit(static_cast<unsigned char>(line[k])) != 0 ? '0' : line[k];
+    }
+    return line;
+}
+
 /// Logs one error.
-void logError() { EXPECT_EQ(api().OpenDeviceEx(0), 0xA0515002u); }
+void logError() {
+    EXPECT_EQ(api().OpenDeviceEx(0), 0xA0515002u);
+}
 
 /// Logs a detail, a warning and a progress line.
-void logThreeLines() { api().CloseDevice(0x1234); }
+void logThreeLines() {
+    api().CloseDevice(0x1234);
+}
 
 std::vector<std::string> other_lines;
 
-void receiveElsewhere(const char* line) { other_lines.emplace_back(line); }
+void receiveElsewhere(const char* line) {
+    other_lines.emplace_back(line);
+}
 
 class LogCalls : public orvex_test::AttachedDevices {
   protected:
@@ -217,9 +235,9 @@ TEST_F(LogCalls, PassEachLineToTheCallbackOnce) {
     logError();
     logThreeLines();
     logNoMatch();
-    EXPECT_THAT(other_lines, ElementsAre(kErrorLine, "ORVEX_CloseDevice: 0x1234",
-                                         "Warning: ORVEX_CloseDevice: Handle not found: 0x1234",
-                                         kNoMatchLine));
+    EXPECT_THAT(other_lines,
+                ElementsAre(kErrorLine, "ORVEX_CloseDevice: 0x1234",
+                            "Warning: ORVEX_CloseDevice: Handle not found: 0x1234", kNoMatchLine));
 }
 
 TEST_F(LogCalls, DropLinesWithoutACallback) {
@@ -244,13 +262,9 @@ TEST_F(LogCalls, BeginEveryLineWithTheTimeWhenAsked) {
     logError();
     logNoMatch();
     logThreeLines();
-    const std::string stamp = R"(\[\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\] )";
-    ASSERT_EQ(other_lines.size(), 2u);
-    EXPECT_TRUE(std::regex_match(
-        other_lines[0], std::regex(stamp + "Error: ORVEX_OpenDeviceEx: handle was nullptr")));
-    EXPECT_TRUE(std::regex_match(
-        other_lines[1], std::regex(stamp + "Error: ORVEX_OpenDevice: ORVEX_OpenDevice: no match "
-                                           "with type 65535 at <>, num scanned: 0")));
+    EXPECT_THAT(other_lines,
+                ElementsAre(ResultOf(withoutDigits, std::string(kStamp) + kErrorLine),
+                            ResultOf(withoutDigits, std::string(kStamp) + kNoMatchLine)));
 }
 
 }  // namespace

@@ -79,7 +79,7 @@ TEST_F(OpenDevice, NamesTheRequestThatNothingMatches) {
     expectNoMatch(kAny, "/dev/ttyACM7");
     expectNoMatch(9, "");
     expectNoMatch(2, "/dev/ttyACM0");
-    expectNoMatch(0, "/dev/ttyACM");
+    expectNoMatch(65535, "/dev/ttyACM");
     EXPECT_THAT(log.take(),
                 ElementsAre("Error: ORVEX_OpenDevice: ORVEX_OpenDevice: no match with type 65535 "
                             "at </dev/ttyACM7>, num scanned: 2",
@@ -87,8 +87,8 @@ TEST_F(OpenDevice, NamesTheRequestThatNothingMatches) {
                             "<>, num scanned: 2",
                             "Error: ORVEX_OpenDevice: ORVEX_OpenDevice: no match with type 2 at "
                             "</dev/ttyACM0>, num scanned: 2",
-                            "Error: ORVEX_OpenDevice: ORVEX_OpenDevice: no match with type 0 at "
-                            "</dev/ttyACM>, num scanned: 2"));
+                            "Error: ORVEX_OpenDevice: ORVEX_OpenDevice: no match with type 65535 "
+                            "at </dev/ttyACM>, num scanned: 2"));
 }
 
 TEST_F(OpenDevice, WritesThatNothingMatchesToStandardOutput) {
@@ -132,8 +132,8 @@ TEST_F(OpenDevice, SendsTheRequestsOfALampsReadOut) {
 TEST_F(OpenDevice, SendsTheRequestsOfALedSourcesReadOut) {
     const Device& device = attach(ORVEX_TYPE_TAMAR);
     opened(kAny, nullptr);
-    EXPECT_THAT(device.requests(), ElementsAre("co\r", "lw?\r", "us?\r", "ni?\r", "ip?\r", "gt?\r",
-                                               "ln?\r", "sn?\r"));
+    EXPECT_THAT(device.requests(),
+                ElementsAre("co\r", "lw?\r", "us?\r", "ni?\r", "ip?\r", "gt?\r", "ln?\r", "sn?\r"));
 }
 
 TEST_F(OpenDevice, TakesAnEmptyPortForAnyPort) {

@@ -45,10 +45,9 @@ class OpenFailures : public orvex_test::AttachedDevices {
 TEST_F(OpenFailures, ABaudrateBelow9600IsRefused) {
     const Device& device = attach(ORVEX_TYPE_TAMAR);
     EXPECT_EQ(statusAt(9599), 0xA0515001u);
-    EXPECT_THAT(log.take(),
-                ElementsAre("Error: LightDevice::openConnection: Wrong baudrate: 9599",
-                            "Error: ORVEX_OpenDevice: failed. Exception: "
-                            "DriverException (0xa0515001) "));
+    EXPECT_THAT(log.take(), ElementsAre("Error: LightDevice::openConnection: Wrong baudrate: 9599",
+                                        "Error: ORVEX_OpenDevice: failed. Exception: "
+                                        "DriverException (0xa0515001) "));
     EXPECT_EQ(statusAt(0), 0xA0515001u);
     EXPECT_EQ(device.received(), "");
 }

@@ -84,7 +84,7 @@ TEST_F(ParallelCalls, OnAnotherDeviceDoNotWait) {
     attach(named("quick"));
     const std::uint64_t first = open("/dev/ttyACM0");
     const std::uint64_t second = open("/dev/ttyACM1");
-    slow.addFault(orvex::sim::onAny(), orvex::sim::delayed(1500ms));
+    slow.addFault(orvex::sim::onAny(), orvex::sim::delayed(1000ms));
     std::atomic<bool> answered{false};
     std::thread other([&] {
         EXPECT_EQ(replyTo(first, "GetSoftwareVersion"), "slow\r");

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 
 #include "tests/support/attached_devices.h"
@@ -71,7 +72,7 @@ TEST_F(StateRecordCalls, RefuseAnUnknownHandleBeforeTheyLookAtTheRecord) {
 TEST_F(StateRecordCalls, RefuseARecordBelow2008Bytes) {
     const Device& device = attach(fourPositions());
     const std::uint64_t handle = open();
-    for (const std::uint16_t size : {0, 1, 116, 2007}) {
+    for (const std::uint16_t size : std::initializer_list<std::uint16_t>{0, 1, 116, 2007}) {
         RoomyRecord record(size);
         const auto before = record.bytes;
         EXPECT_EQ(api().GetOVStruct(handle, &record.record()), 0x80513002u);

@@ -39,6 +39,7 @@ std::string sentWhenClosed(OrvexType model, bool leaveShutter) {
 }
 
 void expectReleased(OpenLight& light) {
+    EXPECT_FALSE(orvex_test::hasLink(light.device));
     EXPECT_FALSE(light.device.isConnected());
     EXPECT_EQ(light.device.getOpenCount(), 0U);
     EXPECT_EQ(openDescriptors(light.port), 1U);

@@ -132,8 +132,6 @@ TEST_F(Destruction, ReleasesThePortAndSendsNothing) {
     device_.reset();
     EXPECT_EQ(openDescriptors(light_.port), 1U);
     EXPECT_THAT(log.lines(), IsEmpty());
-    Light later(ORVEX_TYPE_ALDER);
-    later.open();
     EXPECT_EQ(light_.port.received(), "");
 }
 

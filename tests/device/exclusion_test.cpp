@@ -21,20 +21,21 @@ using orvex_test::LogCapture;
 using orvex_test::OpenLight;
 using testing::ElementsAreArray;
 using testing::Eq;
+using testing::SizeIs;
 
 namespace {
 
 constexpr int kRounds = 200;
 
-/// The rounds in which a request did not get its own reply.
-int wrongReplies(OpenLight& light, const std::string& request, const std::string& expected) {
-    int wrong = 0;
+/// Whether every request got its own reply. Ends with the first that did not.
+bool repliesAreRight(OpenLight& light, const std::string& request, const std::string& expected) {
     for (int round = 0; round < kRounds; ++round) {
         std::string reply;
-        const Failure failure = failureOf([&] { reply = light.exchange(request); });
-        wrong += failure == Failure() && reply == expected ? 0 : 1;
+        if (failureOf([&] { reply = light.exchange(request); }) != Failure() || reply != expected) {
+            return false;
+        }
     }
-    return wrong;
+    return true;
 }
 
 /// The lines of the exchanges that the lines of requests begin.
@@ -63,42 +64,36 @@ class Exclusion : public testing::Test {
 TEST_F(Exclusion, LetsExchangesOnADeviceFollowEachOther) {
     const LogCapture log(0x40);
     auto other =
-        std::async(std::launch::async, [&] { return wrongReplies(light_, "GS", "3456\r"); });
-    EXPECT_EQ(wrongReplies(light_, "GI", "12\r"), 0);
-    EXPECT_EQ(other.get(), 0);
+        std::async(std::launch::async, [&] { return repliesAreRight(light_, "GS", "3456\r"); });
+    EXPECT_TRUE(repliesAreRight(light_, "GI", "12\r"));
+    EXPECT_TRUE(other.get());
     const Lines lines = log.lines();
-    EXPECT_THAT(lines, testing::SizeIs(4 * kRounds));
+    EXPECT_THAT(lines, SizeIs(4 * kRounds));
     EXPECT_THAT(lines, ElementsAreArray(undisturbed(lines)));
-    EXPECT_THAT(light_.takeRequests(), testing::SizeIs(2 * kRounds));
+    EXPECT_THAT(light_.takeRequests(), SizeIs(2 * kRounds));
 }
 
 TEST_F(Exclusion, KeepsThePresenceByteOutOfExchanges) {
     light_.port.addFault(onRequest("A"), scripted("A"));
-    auto other = std::async(std::launch::async, [&] { return wrongReplies(light_, "GI", "12\r"); });
+    auto other =
+        std::async(std::launch::async, [&] { return repliesAreRight(light_, "GI", "12\r"); });
     for (int round = 0; round < 10; ++round) {
-        EXPECT_TRUE(light_.device.ping());
+        ASSERT_TRUE(light_.device.ping());
     }
-    EXPECT_EQ(other.get(), 0);
+    EXPECT_TRUE(other.get());
 }
 
 TEST_F(Exclusion, KeepsArraysOutOfExchanges) {
     light_.port.addFault(onRequest("GA"), scripted("Zab"));
-    auto other = std::async(std::launch::async, [&] { return wrongReplies(light_, "GI", "12\r"); });
+    auto other =
+        std::async(std::launch::async, [&] { return repliesAreRight(light_, "GI", "12\r"); });
     std::string request = "GA\r";
     for (int round = 0; round < kRounds; ++round) {
         std::string answer = "..";
         light_.device.readArray(request.data(), request.size(), answer.data(), answer.size());
-        EXPECT_EQ(answer, "ab");
+        ASSERT_EQ(answer, "ab");
     }
-    EXPECT_EQ(other.get(), 0);
-}
-
-TEST_F(Exclusion, KeepsAPurgeOutOfExchanges) {
-    auto other = std::async(std::launch::async, [&] { return wrongReplies(light_, "GI", "12\r"); });
-    for (int round = 0; round < 20 * kRounds; ++round) {
-        light_.device.Purge();
-    }
-    EXPECT_EQ(other.get(), 0);
+    EXPECT_TRUE(other.get());
 }
 
 TEST_F(Exclusion, LetsAnotherDeviceGoOn) {
@@ -112,14 +107,40 @@ TEST_F(Exclusion, LetsAnotherDeviceGoOn) {
     EXPECT_EQ(failure.get().first, 0xA0515019);
 }
 
-TEST_F(Exclusion, HoldsTheQuestionForTheConnectionUntilAnExchangeEnds) {
-    light_.port.addFault(onRequest("slow"), silence());
-    auto failure =
-        std::async(std::launch::async, [&] { return failureOf([&] { light_.exchange("slow"); }); });
-    ASSERT_TRUE(light_.port.waitForRequests(1));
+/// An exchange under way, which fails after its time-out; its last line is that of its last
+/// attempt.
+class ExchangeUnderWay : public Exclusion {
+  protected:
+    ExchangeUnderWay() {
+        light_.port.addFault(onRequest("slow"), silence());
+        failure_ = std::async(std::launch::async,
+                              [&] { return failureOf([&] { light_.exchange("slow"); }); });
+        EXPECT_TRUE(light_.port.waitForRequests(1));
+    }
+
+    void expectEnded() {
+        EXPECT_THAT(log_.lines(), SizeIs(4));
+        EXPECT_EQ(failure_.get().first, 0xA0515019);
+    }
+
+    LogCapture log_;
+    std::future<Failure> failure_;
+};
+
+TEST_F(ExchangeUnderWay, LetsTheQuestionForTheConnectionWait) {
     EXPECT_TRUE(light_.device.isConnected());
-    EXPECT_THAT(failure.wait_for(std::chrono::seconds(10)), Eq(std::future_status::ready));
-    EXPECT_EQ(light_.takeRequests().size(), 1U);
+    expectEnded();
+}
+
+TEST_F(ExchangeUnderWay, LetsAPurgeWait) {
+    light_.device.Purge();
+    expectEnded();
+}
+
+TEST_F(ExchangeUnderWay, LetsACloseWait) {
+    light_.device.closeConnection(true);
+    EXPECT_THAT(log_.take(), SizeIs(5)) << "the last is the close's own";
+    EXPECT_EQ(failure_.get().first, 0xA0515019);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "sim/fault.h"
+#include "tests/support/device_fields.h"
 #include "tests/support/exceptions.h"
 #include "tests/support/light.h"
 #include "tests/support/log_capture.h"
@@ -13,6 +14,7 @@
 
 using orvex_test::Failure;
 using orvex_test::failureOf;
+using orvex_test::hasLink;
 using orvex_test::kBaud;
 using orvex_test::Light;
 using orvex_test::LogCapture;
@@ -43,6 +45,7 @@ TEST(FailedOpening, GivesNoHandleWithoutAPort) {
                             "Error: SerialLink::connect: Error 2 from open: No such file or "
                             "directory",
                             "Error: LightDevice::openConnection: connect() failed: 2689683463"));
+    EXPECT_FALSE(hasLink(light.device));
     EXPECT_FALSE(light.device.isConnected());
     EXPECT_EQ(light.device.getOpenCount(), 0U);
 }
@@ -89,6 +92,7 @@ TEST(FailedConnect, LeavesTheDeviceClosed) {
     Light light(ORVEX_TYPE_TAMAR);
     light.refuse("Connect");
     EXPECT_NE(failureOf([&] { light.open(); }), Failure());
+    EXPECT_FALSE(hasLink(light.device));
     EXPECT_FALSE(light.device.isConnected());
     EXPECT_EQ(light.device.getOpenCount(), 0U);
     EXPECT_EQ(openDescriptors(light.port), 1U);
@@ -190,6 +194,7 @@ TEST_P(HalfOpen, KeepsCheckingTheBaudRate) {
 TEST_P(HalfOpen, LosesItsLinkWhenThePortCannotBeOpenedAgain) {
     light_.port.hangUp();
     EXPECT_EQ(light_.device.openConnection(kBaud), nullptr);
+    EXPECT_FALSE(hasLink(light_.device));
     EXPECT_FALSE(light_.device.isConnected());
 }
 

@@ -165,8 +165,8 @@ TEST(Opening, LogsItsLinesInTheirClasses) {
     LogCapture log(0x20);
     light.open();
     EXPECT_THAT(log.take(), ElementsAre("initDevice: succeed.", "openConnection: succeed."));
-    light.device.closeConnection(false);
     ORVEX_SetLogBits(0x2);
+    light.device.closeConnection(false);
     light.open();
     EXPECT_THAT(
         log.lines(),

@@ -128,9 +128,10 @@ TEST_F(PortDiscovery, FindsTheModelsNameAnywhereInTheText) {
 TEST_F(PortDiscovery, ComparesTheModelsNameWithItsCase) {
     testbed.plug(identity("ea08", "Orvex TAMAR"));
     EXPECT_EQ(getComMapping().size(), 1u);
-    EXPECT_EQ(log.take().back(),
-              "Error: LightDevice::getComMapping: product attribute: \"Orvex TAMAR\" does not match "
-              "any known device type!");
+    EXPECT_EQ(
+        log.take().back(),
+        "Error: LightDevice::getComMapping: product attribute: \"Orvex TAMAR\" does not match "
+        "any known device type!");
 }
 
 TEST_F(PortDiscovery, FindsADeviceWithoutAProductText) {

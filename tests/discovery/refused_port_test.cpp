@@ -17,8 +17,8 @@ using orvex_test::FakePort;
 using orvex_test::FakeUdev;
 using orvex_test::lowBitsText;
 using orvex_test::tamarPort;
-using ::testing::ElementsAre;
 using ::testing::Each;
+using ::testing::ElementsAre;
 
 constexpr std::uint32_t kUntouched = 0xAAAAAAAA;
 

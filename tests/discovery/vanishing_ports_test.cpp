@@ -46,16 +46,16 @@ class VanishingPorts : public ::testing::Test {
 TEST_F(VanishingPorts, AreAskedForInOrder) {
     udev.ports = {tamarPort(0)};
     EXPECT_THAT(getComMapping(), UnorderedElementsAre(Pair("/dev/ttyACM0", 8u)));
-    EXPECT_THAT(udev.calls,
-                ElementsAre("udev_new", "udev_enumerate_new", "udev_enumerate_add_match_subsystem",
-                            "udev_enumerate_scan_devices", "udev_enumerate_get_list_entry",
-                            "udev_list_entry_get_name", "udev_device_new_from_syspath",
-                            "udev_device_get_devnode",
-                            "udev_device_get_parent_with_subsystem_devtype",
-                            "udev_device_get_sysattr_value idVendor",
-                            "udev_device_get_sysattr_value idProduct",
-                            "udev_device_get_sysattr_value product", "udev_device_unref",
-                            "udev_list_entry_get_next", "udev_enumerate_unref", "udev_unref"));
+    EXPECT_THAT(
+        udev.calls,
+        ElementsAre("udev_new", "udev_enumerate_new", "udev_enumerate_add_match_subsystem",
+                    "udev_enumerate_scan_devices", "udev_enumerate_get_list_entry",
+                    "udev_list_entry_get_name", "udev_device_new_from_syspath",
+                    "udev_device_get_devnode", "udev_device_get_parent_with_subsystem_devtype",
+                    "udev_device_get_sysattr_value idVendor",
+                    "udev_device_get_sysattr_value idProduct",
+                    "udev_device_get_sysattr_value product", "udev_device_unref",
+                    "udev_list_entry_get_next", "udev_enumerate_unref", "udev_unref"));
 }
 
 TEST_F(VanishingPorts, AreReleasedBeforeTheNextIsLookedAt) {

@@ -83,11 +83,19 @@ FakePort portOf(int number, const char* product, const char* text) {
 
 }  // namespace
 
-FakePort tamarPort(int number) { return portOf(number, "ea08", "Orvex Tamar"); }
-FakePort cedarPort(int number) { return portOf(number, "ea02", "Orvex Cedar"); }
+FakePort tamarPort(int number) {
+    return portOf(number, "ea08", "Orvex Tamar");
+}
+FakePort cedarPort(int number) {
+    return portOf(number, "ea02", "Orvex Cedar");
+}
 
-FakeUdev::FakeUdev() : objects(std::make_unique<Objects>()) { current = this; }
-FakeUdev::~FakeUdev() { current = nullptr; }
+FakeUdev::FakeUdev() : objects(std::make_unique<Objects>()) {
+    current = this;
+}
+FakeUdev::~FakeUdev() {
+    current = nullptr;
+}
 
 std::size_t FakeUdev::unreleased() const {
     std::size_t count = 0;
@@ -122,7 +130,9 @@ const char* textOrNull(const std::optional<std::string>& text) {
 }
 
 /// A released object's texts are gone.
-void spoil(std::string& text) { std::fill(text.begin(), text.end(), '?'); }
+void spoil(std::string& text) {
+    std::fill(text.begin(), text.end(), '?');
+}
 
 void spoil(FakePort& port) {
     spoil(port.sysPath);
@@ -208,9 +218,8 @@ const char* udev_list_entry_get_name(udev_list_entry* entry) {
 udev_device* udev_device_new_from_syspath(udev* context, const char* path) {
     auto& fake = noted("udev_device_new_from_syspath");
     context->use();
-    const auto found =
-        std::find_if(fake.ports.begin(), fake.ports.end(),
-                     [path](const FakePort& port) { return port.sysPath == path; });
+    const auto found = std::find_if(fake.ports.begin(), fake.ports.end(),
+                                    [path](const FakePort& port) { return port.sysPath == path; });
     if (found == fake.ports.end() || found->isGone) {
         return nullptr;
     }
