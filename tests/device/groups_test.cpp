@@ -32,6 +32,8 @@ using SlotStates = std::vector<std::pair<int, std::int32_t>>;
 
 const std::string kFourthOn = "0,0,0,1,0,0,0,0\r";
 const std::string kSixthOn = "0,0,0,0,0,1,0,0\r";
+/// Agrees with everything.
+const std::string kNothingReported = "\r";
 const std::string kNothingOn = "0,0,0,0,0,0,0,0\r";
 
 /// Eight positions; slots 3, 4 and 5 stand for positions 4, 6 and 7 and share group 1.
@@ -74,6 +76,7 @@ TEST_F(Groups, LetOnlyTheFirstOfTwoStayOn) {
 }
 
 TEST_F(Groups, DoNotConcernOtherChannels) {
+    reportStatus(kNothingReported);
     write({{0, 1}, {1, 1}, {2, 1}});
     EXPECT_THAT(light_.takeRequests(), ElementsAre("of=4,5,6,7,8\r", "on=1,2,3\r"));
     EXPECT_THAT(pauses_.asked, IsEmpty());
@@ -142,6 +145,7 @@ TEST_F(Groups, AreNotAwaitedWithTheSameSelection) {
 
 TEST_F(Groups, AreNotAwaitedForTheirFirstSelectionOfSlot0) {
     cacheOf(light_.device).aChannels[0].iGroup = 1;
+    reportStatus(kNothingReported);
     write({{0, 1}});
     EXPECT_THAT(pauses_.asked, IsEmpty());
     EXPECT_EQ(selection(), 0);

@@ -5,6 +5,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <map>
 #include <string>
 
 #include "tests/support/exceptions.h"
@@ -211,11 +212,12 @@ TEST(Opening, RefusesABaudRateBelow9600) {
 }
 
 TEST(Opening, TakesAnyBaudRateFrom9600On) {
-    for (const auto& [baud, speed] :
-         {std::pair{9600U, B9600}, {9601U, B9600}, {115200U, B115200}, {4294967295U, B4000000}}) {
+    const std::map<unsigned, speed_t> speeds = {
+        {9600, B9600}, {9601, B9600}, {115200, B115200}, {4294967295, B4000000}};
+    for (const auto& speed : speeds) {
         Light light(ORVEX_TYPE_ALDER);
-        EXPECT_EQ(failureOf([&] { light.device.openConnection(baud); }), Failure());
-        EXPECT_EQ(speedOf(light.port), static_cast<speed_t>(speed)) << baud;
+        EXPECT_EQ(failureOf([&] { light.device.openConnection(speed.first); }), Failure());
+        EXPECT_EQ(speedOf(light.port), speed.second) << speed.first;
     }
 }
 

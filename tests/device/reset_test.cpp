@@ -95,6 +95,7 @@ TEST_F(Reset, ForgetsAChangedGroup) {
     EXPECT_EQ(failureOf([&] { switchOn(3); }).first, 0x80515003);
     light_.device.resetDevice();
     light_.device.initDevice();
+    light_.port.replyWith("GetUnitStatus", "\r");
     const SkippedPauses pauses;
     light_.device.switchInternalOn("4");
     EXPECT_THAT(pauses.asked, IsEmpty());

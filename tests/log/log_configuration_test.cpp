@@ -47,6 +47,11 @@ void receiveSecond(const char* line) {
 
 class LogConfiguration : public testing::Test {
   protected:
+    LogConfiguration() {
+        first.clear();
+        second.clear();
+    }
+
     const LogSettings settings_;
     const TemporaryDirectory directory_;
 };

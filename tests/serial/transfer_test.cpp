@@ -123,11 +123,12 @@ TEST_F(Transfer, ReceivesWhatComesInParts) {
     port_.answer("ab");
     auto device = std::async(std::launch::async, [this] {
         const bool taken = waitUntil([this] { return port_.unread() == 0; });
-        port_.send("cd");
+        port_.send("cdef");
         return taken;
     });
     EXPECT_EQ(receive(link_, 4), "abcd");
     EXPECT_TRUE(device.get());
+    EXPECT_EQ(receive(link_, 2), "ef");
     EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
