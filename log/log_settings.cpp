@@ -7,20 +7,21 @@
 
 namespace {
 
-std::atomic<std::uint32_t> bits{LOG_BIT_ERROR | LOG_BIT_INFO | LOG_BIT_RESERVED | LOG_BIT_SERIAL |
-                                LOG_BIT_WARNING | LOG_BIT_DETAIL | LOG_BIT_TRAFFIC};
-std::atomic<int> method{LOG_METHOD_STDOUT};
-ORVEX_OUTLIVES_THE_REST std::string filename = "./lib_debug.log";
-OrvexLogCallback receiver = nullptr;
-std::mutex lock;
+std::atomic<std::uint32_t> maskStorage{LOG_BIT_ERROR | LOG_BIT_INFO | LOG_BIT_RESERVED |
+                                       LOG_BIT_SERIAL | LOG_BIT_WARNING | LOG_BIT_DETAIL |
+                                       LOG_BIT_TRAFFIC};
+std::atomic<int> methodStorage{LOG_METHOD_STDOUT};
+ORVEX_OUTLIVES_THE_REST std::string filenameStorage = "./lib_debug.log";
+OrvexLogCallback callbackStorage = nullptr;
+std::mutex lockStorage;
 
 }  // namespace
 
-std::atomic<std::uint32_t>& gl_log_bits = bits;
-std::atomic<int>& gl_log_method = method;
-std::string& gl_log_filename = filename;
-OrvexLogCallback& gl_cb = receiver;
-std::mutex& gl_lock = lock;
+std::atomic<std::uint32_t>& gl_log_bits = maskStorage;
+std::atomic<int>& gl_log_method = methodStorage;
+std::string& gl_log_filename = filenameStorage;
+OrvexLogCallback& gl_cb = callbackStorage;
+std::mutex& gl_lock = lockStorage;
 
 std::mutex Logger::mutex_;
 std::atomic<int> Logger::log_method_{LOG_METHOD_STDOUT};
@@ -28,9 +29,9 @@ std::atomic<OrvexLogCallback> Logger::log_callback_{nullptr};
 ORVEX_OUTLIVES_THE_REST std::string Logger::log_filename_ = "./lib_debug.log";
 std::mutex Logger::filename_mutex_;
 
-void ORVEX_SetLogBits(uint32_t mask) {
+void ORVEX_SetLogBits(uint32_t bits) {
     const std::lock_guard<std::mutex> guard(gl_lock);
-    gl_log_bits = mask;
+    gl_log_bits = bits;
 }
 
 uint32_t ORVEX_GetLogBits(void) {

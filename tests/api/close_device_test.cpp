@@ -65,7 +65,7 @@ TEST_F(CloseDevice, LogsEachLineWithItsOwnBit) {
 TEST_F(CloseDevice, LeavesADeviceAloneThatWasNotOpened) {
     const Device& device = attach(ORVEX_TYPE_TAMAR);
     const std::uint64_t handle = scan().at(0);
-    static_cast<void>(log.take());
+    log.take();
     api().CloseDevice(handle);
     EXPECT_THAT(log.take(), ElementsAre("ORVEX_CloseDevice: " + handleText(handle), kSeparator));
     EXPECT_EQ(openCount(handle), 0u);
@@ -102,7 +102,7 @@ TEST_F(CloseDevice, TakesOneOpenBackOfSeveral) {
     const std::uint64_t handle = open();
     EXPECT_EQ(api().OpenDeviceEx(handle), 0u);
     EXPECT_EQ(api().OpenDeviceEx(handle), 0u);
-    static_cast<void>(log.take());
+    log.take();
     api().CloseDevice(handle);
     EXPECT_THAT(log.take(),
                 ElementsAre("ORVEX_CloseDevice: " + handleText(handle),

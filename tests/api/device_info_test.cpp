@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "tests/support/attached_devices.h"
@@ -46,7 +45,7 @@ TEST_F(DeviceInfo, RefusesAnUnknownHandleAndWritesNothing) {
 TEST_F(DeviceInfo, SkipsNullPointers) {
     attach(ORVEX_TYPE_TAMAR);
     const std::uint64_t handle = scan().at(0);
-    static_cast<void>(log.take());
+    log.take();
     EXPECT_EQ(api().GetDeviceInfo(handle, nullptr, nullptr, 0, nullptr), 0u);
     std::uint32_t type = kUntouched;
     EXPECT_EQ(api().GetDeviceInfo(handle, &type, nullptr, 0, nullptr), 0u);
@@ -107,7 +106,7 @@ TEST_F(DeviceInfo, GoesByThePathsOwnLength) {
 TEST_F(DeviceInfo, WritesTheModelButNotTheCountWhenTheBufferIsTooSmall) {
     attach(ORVEX_TYPE_TAMAR);
     const std::uint64_t handle = scan().at(0);
-    static_cast<void>(log.take());
+    log.take();
     std::uint32_t type = kUntouched;
     std::uint32_t count = kUntouched;
     EXPECT_EQ(api().GetDeviceInfo(handle, &type, buffer.data(), 13, &count), 0xA0515006u);

@@ -15,7 +15,6 @@ using orvex_test::api;
 using orvex_test::ApiLog;
 using orvex_test::FakePort;
 using orvex_test::FakeUdev;
-using orvex_test::lowBitsText;
 using orvex_test::tamarPort;
 using ::testing::Each;
 using ::testing::ElementsAre;

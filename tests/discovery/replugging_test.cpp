@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "tests/support/attached_devices.h"

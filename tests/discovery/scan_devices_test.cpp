@@ -122,7 +122,7 @@ TEST_F(ScanDevices, KeepsTheSlotsOfDevicesThatStay) {
     std::vector<std::uint64_t> array(8);
     EXPECT_EQ(scanInto(array, 8), 0u);
     const auto before = array;
-    static_cast<void>(log.take());
+    log.take();
     EXPECT_EQ(scanInto(array, 8), 0u);
     EXPECT_EQ(found, 2u);
     EXPECT_EQ(array, before);
@@ -142,7 +142,7 @@ TEST_F(ScanDevices, ClearsTheSlotOfADeviceThatIsGone) {
     const std::string gonePort = portOf(gone);
     const std::string keptPort = portOf(kept);
     unplug(gonePort);
-    static_cast<void>(log.take());
+    log.take();
     EXPECT_EQ(scanInto(array, 8), 0u);
     EXPECT_EQ(found, 1u);
     EXPECT_THAT(array, ElementsAre(0u, kept, 0u, 0u, 0u, 0u, 0u, 0u));
@@ -157,7 +157,7 @@ TEST_F(ScanDevices, ClearsEverySlotOnceAllAreGone) {
     EXPECT_EQ(scanInto(array, 2), 0u);
     const std::uint64_t gone = array[0];
     unplug("/dev/ttyACM0");
-    static_cast<void>(log.take());
+    log.take();
     EXPECT_EQ(scanInto(array, 2), 0u);
     EXPECT_EQ(found, 0u);
     EXPECT_THAT(array, Each(0u));

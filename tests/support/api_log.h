@@ -19,7 +19,7 @@ class ApiLog {
     ~ApiLog();
 
     /// The lines so far, which are forgotten then.
-    [[nodiscard]] std::vector<std::string> take();
+    std::vector<std::string> take();
     /// Forgets the lines so far and goes on with these classes of messages.
     void restart(std::uint32_t bits);
 };

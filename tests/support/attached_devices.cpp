@@ -67,7 +67,7 @@ std::uint64_t AttachedDevices::open(const std::string& port) {
     for (const auto& device : devices_) {
         device->clearRecord();
     }
-    static_cast<void>(log.take());
+    log.take();
     return handle;
 }
 
