@@ -95,7 +95,6 @@ void LightDevice::readChannels() {
         }
         OrvexChannel& channel = state_.aChannels[position];
         channel.iWavelength = wavelength;
-        channel.iGroup = 0;
         if (wavelength != ORVEX_EMPTY_POSITION) {
             active_channels_.push_back(position);
             channel.iGroup = fitted >= kFirstGrouped && fitted <= kLastGrouped ? 1 : 0;

@@ -1,13 +1,9 @@
-// The system calls of a serial link: their arguments, and failures that no terminal produces.
+// What a serial link asks of the system, and failures that no terminal produces.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/ioctl.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <climits>
-#include <iterator>
 #include <memory>
 
 #include "tests/support/connected_link.h"
@@ -19,95 +15,15 @@ using orvex_test::ConnectedLink;
 using orvex_test::Failure;
 using orvex_test::failureOf;
 using orvex_test::Forced;
-using orvex_test::ForcedSettings;
 using orvex_test::LogCapture;
 using orvex_test::PseudoTerminal;
 using orvex_test::Recording;
 using orvex_test::SkippedPauses;
-using testing::AllOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-using std::chrono_literals::operator""ms;
 
 namespace {
-
-/// Settings with every bit and every control character the same, at 9600 baud.
-termios uniformSettings(bool set) {
-    termios settings{};
-    settings.c_iflag = set ? 0x7FFFFFFF : 0;
-    settings.c_oflag = set ? 0xFFFFFFFF : 0;
-    settings.c_cflag = set ? 0xFFFFEFFD : 0xD;
-    settings.c_lflag = set ? 0xFFFFFFFF : 0;
-    std::fill(std::begin(settings.c_cc), std::end(settings.c_cc), cc_t{set ? cc_t{0xFF} : cc_t{0}});
-    return settings;
-}
-
-/// The settings that connecting at 9600 baud makes of the given ones.
-termios connectedSettings(const termios& found) {
-    const PseudoTerminal port;
-    const LogCapture log;
-    const ForcedSettings forced(found);
-    const Recording recording;
-    SerialLink link(0);
-    EXPECT_EQ(link.connect(port.path(), 9600), 0u);
-    EXPECT_EQ(recording.settings.size(), 1u);
-    EXPECT_EQ(recording.settings.at(0).first, TCSANOW);
-    return recording.settings.at(0).second;
-}
-
-TEST(PortSettings, ClearWhatARawPortMustNotHave) {
-    const termios settings = connectedSettings(uniformSettings(true));
-    EXPECT_EQ(settings.c_iflag, 0x7FFFE214u);
-    EXPECT_EQ(settings.c_oflag, 0xFFFFFFFAu);
-    EXPECT_EQ(settings.c_cflag, 0x7FFFEEBDu);
-    EXPECT_EQ(settings.c_lflag, 0xFFFFFFA4u);
-    for (int i = 0; i < NCCS; ++i) {
-        EXPECT_EQ(settings.c_cc[i], i == VTIME ? 5 : i == VMIN ? 0 : 0xFF) << i;
-    }
-}
-
-TEST(PortSettings, SetOnlyWhatARawPortMustHave) {
-    const termios settings = connectedSettings(uniformSettings(false));
-    EXPECT_EQ(settings.c_iflag, 0u);
-    EXPECT_EQ(settings.c_oflag, 0u);
-    EXPECT_EQ(settings.c_cflag, 0x8BDu);
-    EXPECT_EQ(settings.c_lflag, 0u);
-    for (int i = 0; i < NCCS; ++i) {
-        EXPECT_EQ(settings.c_cc[i], i == VTIME ? 5 : 0) << i;
-    }
-}
-
-TEST(PortSettings, AreWrittenBackAsTheyWereRead) {
-    const PseudoTerminal port;
-    const LogCapture log;
-    const termios original = uniformSettings(true);
-    SerialLink link(0);
-    {
-        const ForcedSettings forced(original);
-        EXPECT_EQ(link.connect(port.path(), 9600), 0u);
-    }
-    const Recording recording;
-    EXPECT_EQ(link.disconnect(), 0u);
-    ASSERT_EQ(recording.settings.size(), 1u);
-    EXPECT_EQ(recording.settings[0].first, TCSANOW);
-    EXPECT_TRUE(orvex_test::sameSettings(recording.settings[0].second, original));
-}
-
-TEST(PortSettings, AreAppliedAtOnce) {
-    const PseudoTerminal port;
-    const LogCapture log;
-    SerialLink link(0);
-    EXPECT_EQ(link.connect(port.path(), 9600), 0u);
-    const Recording recording;
-    link.setTimeout(100);
-    link.resetTimeouts();
-    link.setBaudrate(115200);
-    ASSERT_EQ(recording.settings.size(), 3u);
-    for (const auto& [action, settings] : recording.settings) {
-        EXPECT_EQ(action, TCSANOW);
-    }
-}
 
 TEST(SerialLink, OpensThePortForReadingAndWritingAlone) {
     const PseudoTerminal port;
@@ -329,53 +245,6 @@ TEST_F(FailingLink, LogsDifferentAndUnknownSpeeds) {
                                           "!= ouput baudrate: 0015",
                                           "Error: SerialLink::getBaudrate: define 0010000 does not "
                                           "match any baudrate"));
-}
-
-class PausingLink : public ConnectedLink {
-  protected:
-    SkippedPauses pauses_;
-};
-
-TEST_F(PausingLink, PausesTenMillisecondsToDisconnect) {
-    EXPECT_EQ(link_.disconnect(), 0u);
-    EXPECT_THAT(pauses_.asked, ElementsAre(10ms));
-    EXPECT_EQ(link_.disconnect(), 0u);
-    EXPECT_THAT(pauses_.asked, ElementsAre(10ms, 10ms));
-}
-
-TEST_F(PausingLink, PausesTheRemainingTimeAfterAnInterruption) {
-    pauses_.during = [](std::size_t number) { return number < 3 ? 4ms : 0ms; };
-    EXPECT_EQ(link_.disconnect(), 0u);
-    EXPECT_THAT(pauses_.asked, ElementsAre(10ms, 4ms, 4ms));
-}
-
-TEST_F(PausingLink, PausesAfterEachVainAttemptToReceive) {
-    link_.setTimeout(0);
-    EXPECT_EQ(failureOf([&] { link_.recvChar(); }).first, 0xA0515019u);
-    EXPECT_THAT(pauses_.asked, ElementsAre(200ms, 200ms, 200ms));
-}
-
-TEST_F(PausingLink, ReceivesAtItsThirdAttempt) {
-    link_.setTimeout(0);
-    pauses_.during = [this](std::size_t number) {
-        if (number == 2) {
-            port_.answer("xy");
-        }
-        return 0ms;
-    };
-    EXPECT_EQ(link_.recvChar(), 'x');
-    EXPECT_THAT(pauses_.asked, ElementsAre(200ms, 200ms));
-    EXPECT_EQ(port_.unread(), 1u);
-}
-
-TEST_F(PausingLink, PausesTheRemainingTimeBetweenAttempts) {
-    link_.setTimeout(0);
-    pauses_.during = [this](std::size_t number) {
-        port_.answer(number == 2 ? "x" : "");
-        return number == 1 ? 150ms : 0ms;
-    };
-    EXPECT_EQ(link_.recvChar(), 'x');
-    EXPECT_THAT(pauses_.asked, ElementsAre(200ms, 150ms));
 }
 
 }  // namespace
