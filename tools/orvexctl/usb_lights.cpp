@@ -67,7 +67,8 @@ std::vector<UsbLight> usbLights(const fs::path& sys) {
             continue;
         }
         UsbLight light;
-        light.identity = vendor + ":" + product;
+        light.identity = vendor;
+        light.identity.append(":").append(product);
         light.product = readLine(usb / "product");
         light.model = modelOf(std::strtoul(product.c_str(), nullptr, kHexadecimal));
         light.tty = ttyOf(usb);
