@@ -1,7 +1,9 @@
 // Connecting a serial link to a port, and letting it go.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -26,6 +28,17 @@ using testing::IsEmpty;
 using std::chrono_literals::operator""ms;
 
 namespace {
+
+TEST(SerialLink, ConnectsInAProcessWithoutStandardInput) {
+    const PseudoTerminal port;
+    ::close(STDIN_FILENO);
+    SerialLink link('\0');
+
+    EXPECT_EQ(link.connect(port.path(), 9600), 0U);
+
+    EXPECT_TRUE(link.isConnected());
+    EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), -1);
+}
 
 TEST(SerialLink, BeginsDisconnected) {
     const LogCapture log;

@@ -10,7 +10,7 @@ namespace orvex::tools {
 
 namespace {
 
-std::string quoted(const std::string& bytes) {
+std::string inQuotes(const std::string& bytes) {
     return "\"" + printable(bytes) + "\"";
 }
 
@@ -34,7 +34,7 @@ std::vector<sim::Transmission> Replay::receive(std::string_view bytes) {
         if (found == Fit::whole) {
             answer(out);
         } else {
-            depart(quoted(received_));
+            depart(inQuotes(received_));
         }
     }
     if (departed_) {
@@ -45,7 +45,7 @@ std::vector<sim::Transmission> Replay::receive(std::string_view bytes) {
 
 void Replay::finish() {
     if (!departed_ && !isAtEnd()) {
-        depart(received_.empty() ? "nothing more" : quoted(received_));
+        depart(received_.empty() ? "nothing more" : inQuotes(received_));
     }
 }
 
@@ -82,7 +82,7 @@ void Replay::depart(const std::string& got) {
     }
     const TraceEntry& entry = device_.entries[next_];
     report_(path_ + ":" + std::to_string(entry.line) + ": " + who + "expected " +
-            quoted(entry.bytes) + ", got " + got);
+            inQuotes(entry.bytes) + ", got " + got);
 }
 
 void Replay::refuse(std::vector<sim::Transmission>& out) {
