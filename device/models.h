@@ -34,6 +34,9 @@ extern ORVEX_API const CommandTable& gl_cmd_willow;
 
 namespace orvex {
 
+/// The vendor of all devices on the USB.
+constexpr std::uint16_t kUsbVendor = 0x04D8;
+
 /// The commands of a model.
 /// @throws DriverException "Not implemented/unknown device type" (ORVEX_ERR_INVALID_ARG)
 [[nodiscard]] CommandTable commandsOf(OrvexType type);

@@ -1,29 +1,14 @@
 #include "discovery/port_discovery.h"
 
-#include <libudev.h>
-
 #include <cstdlib>
-#include <memory>
 
 #include "device/models.h"
+#include "discovery/udev_objects.h"
 #include "log/log.h"
 
 namespace {
 
-constexpr unsigned long kVendor = 0x04D8;
 constexpr unsigned long kMaxProduct = 0xFFFF;
-
-template <auto release>
-struct Release {
-    template <typename T>
-    void operator()(T* object) const noexcept {
-        release(object);
-    }
-};
-
-using Udev = std::unique_ptr<udev, Release<udev_unref>>;
-using Enumeration = std::unique_ptr<udev_enumerate, Release<udev_enumerate_unref>>;
-using Device = std::unique_ptr<udev_device, Release<udev_device_unref>>;
 
 std::string attribute(udev_device* device, const char* name) {
     const char* value = udev_device_get_sysattr_value(device, name);
@@ -52,7 +37,7 @@ void logPort(const std::string& product, const std::string& node, const std::str
 void addPort(udev* context, const std::string& sysPath,
              std::unordered_map<std::string, OrvexType>& ports) {
     // A device may vanish at any time: each object and attribute may be missing.
-    const Device device(udev_device_new_from_syspath(context, sysPath.c_str()));
+    const orvex::UdevDevice device(udev_device_new_from_syspath(context, sysPath.c_str()));
     if (device == nullptr || sysPath.find("ttyACM") == std::string::npos) {
         return;
     }
@@ -64,7 +49,7 @@ void addPort(udev* context, const std::string& sysPath,
     }
     const unsigned long vendor = hexadecimal(attribute(usb, "idVendor"));
     const unsigned long product = hexadecimal(attribute(usb, "idProduct"));
-    if (vendor != kVendor || product > kMaxProduct) {
+    if (vendor != orvex::kUsbVendor || product > kMaxProduct) {
         return;
     }
     const auto model = gl_usb_pid_types.find(static_cast<std::uint16_t>(product));
@@ -79,11 +64,11 @@ void addPort(udev* context, const std::string& sysPath,
 
 std::unordered_map<std::string, OrvexType> getComMapping() {
     std::unordered_map<std::string, OrvexType> ports;
-    const Udev context(udev_new());
+    const orvex::Udev context(udev_new());
     if (context == nullptr) {
         return ports;
     }
-    const Enumeration enumeration(udev_enumerate_new(context.get()));
+    const orvex::UdevEnumeration enumeration(udev_enumerate_new(context.get()));
     if (enumeration == nullptr) {
         return ports;
     }
