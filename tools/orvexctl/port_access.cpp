@@ -27,7 +27,9 @@ std::string groupName(gid_t id) {
 
 bool isInGroup(gid_t id) {
     std::vector<gid_t> groups(static_cast<std::size_t>(std::max(0, ::getgroups(0, nullptr))));
-    ::getgroups(static_cast<int>(groups.size()), groups.data());
+    if (::getgroups(static_cast<int>(groups.size()), groups.data()) < 0) {
+        return false;
+    }
     return ::getegid() == id || std::find(groups.begin(), groups.end(), id) != groups.end();
 }
 
