@@ -15,6 +15,7 @@ using orvex::sim::scripted;
 using orvex::sim::silence;
 using orvex_test::Failure;
 using orvex_test::failureOf;
+using orvex_test::Light;
 using orvex_test::LogCapture;
 using orvex_test::OpenLight;
 using orvex_test::waitUntil;
@@ -232,6 +233,21 @@ TEST_F(Arrays, PurgeDiscardsUnreadBytes) {
     std::string bytes(4, '.');
     EXPECT_EQ(readPlainly(bytes), 0U);
     EXPECT_EQ(light_.port.received(), "");
+}
+
+TEST(ArraysWithoutConnection, AreRefused) {
+    const Failure notConnected{0x80517006, "DriverException (0x80517006) "};
+    Light light(ORVEX_TYPE_ALDER);
+    LightDevice& device = light.device;
+    char byte = 'A';
+    std::size_t received = 0;
+    EXPECT_EQ(failureOf([&] { device.writeArray(&byte, 1); }), notConnected);
+    EXPECT_EQ(failureOf([&] { device.readArray(&byte, 1, &byte, 1); }), notConnected);
+    EXPECT_EQ(failureOf([&] { device.Write(&byte, 1); }), notConnected);
+    EXPECT_EQ(failureOf([&] { device.Read(&byte, 1, received); }), notConnected);
+    EXPECT_EQ(failureOf([&] { device.Purge(); }), notConnected);
+    EXPECT_EQ(failureOf([&] { device.ping(); }), notConnected);
+    EXPECT_EQ(light.port.received(), "");
 }
 
 }  // namespace
