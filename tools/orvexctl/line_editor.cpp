@@ -125,7 +125,7 @@ std::optional<std::string> LineEditor::nextFromTerminal() {
     if (*line != '\0') {
         ::add_history(line.get());
     }
-    return line.get();
+    return std::string(line.get());
 }
 
 }  // namespace orvex::tools
