@@ -1,0 +1,30 @@
+/// @file
+/// What the transcripts show of each model.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "device/models.h"
+#include "tests/transcripts/session.h"
+
+namespace orvex_test {
+
+/// One section of a transcript. The preparation is not taken down.
+struct Scene {
+    std::string title;
+    std::function<void(Session&)> prepare;
+    std::function<void(Session&)> act;
+};
+
+/// How the title of a command's section begins.
+constexpr const char* kCommandTitle = "command ";
+
+/// A model's commands as the library's tables have them.
+[[nodiscard]] CommandTable commandTable(OrvexType model);
+
+/// The sections of a model's transcript, in order.
+[[nodiscard]] std::vector<Scene> scenesOf(OrvexType model);
+
+}  // namespace orvex_test
