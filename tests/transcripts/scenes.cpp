@@ -9,14 +9,14 @@ namespace orvex_test {
 
 namespace {
 
-void attach(Session& session) {
-    session.attach();
+void attach(TapedLight& light) {
+    light.attach();
 }
 
 /// Rowan's and Spruce's opening fails, and leaves them ready for commands.
-void attachAndOpen(Session& session) {
-    session.attach();
-    session.open();
+void attachAndOpen(TapedLight& light) {
+    light.attach();
+    light.open();
 }
 
 void turn(OrvexStruct& record, int slot, bool on) {
@@ -24,58 +24,57 @@ void turn(OrvexStruct& record, int slot, bool on) {
 }
 
 Scene commandScene(OrvexType model, const std::string& name) {
-    return {kCommandTitle + name, attachAndOpen, [model, name](Session& session) {
-                session.command(name);
+    return {kCommandTitle + name, attachAndOpen, [model, name](TapedLight& light) {
+                light.command(name);
                 const std::string value = valueFor(model, name);
                 if (!value.empty()) {
-                    session.command(name, value);
+                    light.command(name, value);
                 }
             }};
 }
 
 std::vector<Scene> lifeScenes() {
     return {
-        {"attaching, and opening with the read-out", [](Session&) {}, attachAndOpen},
+        {"attaching, and opening with the read-out", [](TapedLight&) {}, attachAndOpen},
         {"opening and closing twice", attachAndOpen,
-         [](Session& session) {
-             session.open();
-             session.close();
-             session.close();
+         [](TapedLight& light) {
+             light.open();
+             light.close();
+             light.close();
          }},
         {"opening again after closing", attachAndOpen,
-         [](Session& session) {
-             session.close();
-             session.open();
+         [](TapedLight& light) {
+             light.close();
+             light.open();
          }},
         {"closing a device that was never opened", attach,
-         [](Session& session) { session.close(); }},
-        {"presence byte", attachAndOpen, [](Session& session) { session.ping(); }},
+         [](TapedLight& light) { light.close(); }},
+        {"presence byte", attachAndOpen, [](TapedLight& light) { light.ping(); }},
     };
 }
 
 std::vector<Scene> recordScenes() {
     return {
         {"record: unchanged", attachAndOpen,
-         [](Session& session) { session.writeRecord("as it was read", [](OrvexStruct&) {}); }},
+         [](TapedLight& light) { light.writeRecord("as it was read", [](OrvexStruct&) {}); }},
         {"record: an intensity", attachAndOpen,
-         [](Session& session) {
-             session.writeRecord("slot 0 at 347, slot 1 beyond its maximum",
-                                 [](OrvexStruct& record) {
-                                     record.aChannels[0].iIntensity = 347;
-                                     record.aChannels[1].iIntensity = 5000;
-                                 });
+         [](TapedLight& light) {
+             light.writeRecord("slot 0 at 347, slot 1 beyond its maximum", [](OrvexStruct& record) {
+                 record.aChannels[0].iIntensity = 347;
+                 record.aChannels[1].iIntensity = 5000;
+             });
          }},
         {"record: states", attachAndOpen,
-         [](Session& session) {
-             session.writeRecord("slots 0 and 2 on", [](OrvexStruct& record) {
+         [](TapedLight& light) {
+             light.writeRecord("slots 0 and 2 on", [](OrvexStruct& record) {
                  turn(record, 0, true);
                  turn(record, 2, true);
              });
-             session.writeRecord("slot 0 off", [](OrvexStruct& record) { turn(record, 0, false); });
+             light.writeRecord("slot 0 off", [](OrvexStruct& record) { turn(record, 0, false); });
          }},
         {"record: an intensity and all states", attachAndOpen,
-         [](Session& session) {
-             session.writeRecord("slot 0 at 600, all slots on", [](OrvexStruct& record) {
+         [](TapedLight& light) {
+             light.writeRecord("slot 0 at 600, all slots on", [](OrvexStruct& record) {
                  record.aChannels[0].iIntensity = 600;
                  for (int slot = 0; slot < record.iNumChannels; ++slot) {
                      turn(record, slot, true);
@@ -83,17 +82,17 @@ std::vector<Scene> recordScenes() {
              });
          }},
         {"record: another channel of the group", attachAndOpen,
-         [](Session& session) {
-             session.writeRecord("slot 3 on", [](OrvexStruct& record) { turn(record, 3, true); });
-             session.writeRecord("slot 4 on instead", [](OrvexStruct& record) {
+         [](TapedLight& light) {
+             light.writeRecord("slot 3 on", [](OrvexStruct& record) { turn(record, 3, true); });
+             light.writeRecord("slot 4 on instead", [](OrvexStruct& record) {
                  turn(record, 3, false);
                  turn(record, 4, true);
              });
          }},
         {"record: a channel too many", attachAndOpen,
-         [](Session& session) {
-             session.writeRecord("one channel more than it has",
-                                 [](OrvexStruct& record) { ++record.iNumChannels; });
+         [](TapedLight& light) {
+             light.writeRecord("one channel more than it has",
+                               [](OrvexStruct& record) { ++record.iNumChannels; });
          }},
     };
 }
@@ -101,24 +100,24 @@ std::vector<Scene> recordScenes() {
 std::vector<Scene> switchingScenes() {
     return {
         {"switching off and on", attachAndOpen,
-         [](Session& session) {
-             session.writeRecord("slot 0 on", [](OrvexStruct& record) { turn(record, 0, true); });
-             session.switchOrvex(true, false);
-             session.writeRecord("slot 1 on", [](OrvexStruct& record) { turn(record, 1, true); });
-             session.switchOrvex(true, true);
-             session.switchOrvex(false, false);
+         [](TapedLight& light) {
+             light.writeRecord("slot 0 on", [](OrvexStruct& record) { turn(record, 0, true); });
+             light.switchOrvex(true, false);
+             light.writeRecord("slot 1 on", [](OrvexStruct& record) { turn(record, 1, true); });
+             light.switchOrvex(true, true);
+             light.switchOrvex(false, false);
          }},
         {"switching on with nothing to switch on", attachAndOpen,
-         [](Session& session) { session.switchOrvex(true, true); }},
+         [](TapedLight& light) { light.switchOrvex(true, true); }},
         {"lamp", attachAndOpen,
-         [](Session& session) {
-             session.setLamp(true);
-             session.setLamp(false);
+         [](TapedLight& light) {
+             light.setLamp(true);
+             light.setLamp(false);
          }},
         {"shutter", attachAndOpen,
-         [](Session& session) {
-             session.setShutter(true);
-             session.setShutter(false);
+         [](TapedLight& light) {
+             light.setShutter(true);
+             light.setShutter(false);
          }},
     };
 }
@@ -126,58 +125,58 @@ std::vector<Scene> switchingScenes() {
 std::vector<Scene> commandFailureScenes() {
     return {
         {"failure: error reply", attachAndOpen,
-         [](Session& session) {
-             session.refuse("GetSoftwareVersion");
-             session.command("GetSoftwareVersion");
+         [](TapedLight& light) {
+             light.refuse("GetSoftwareVersion");
+             light.command("GetSoftwareVersion");
          }},
         {"failure: no reply", attachAndOpen,
-         [](Session& session) {
-             session.whileSilent([&] { session.command("GetSoftwareVersion"); });
-             session.command("GetSoftwareVersion");
+         [](TapedLight& light) {
+             light.whileSilent([&] { light.command("GetSoftwareVersion"); });
+             light.command("GetSoftwareVersion");
          }},
         {"failure: unknown commands", attachAndOpen,
-         [](Session& session) {
-             session.command("GetNothing");
-             session.command("getsoftwareversion");
+         [](TapedLight& light) {
+             light.command("GetNothing");
+             light.command("getsoftwareversion");
          }},
         {"failure: reply without an end", attachAndOpen,
-         [](Session& session) {
-             session.answer("GetSoftwareVersion", std::string(1024, '5'));
-             session.command("GetSoftwareVersion");
-             session.command("GetUnitStatus");
+         [](TapedLight& light) {
+             light.answer("GetSoftwareVersion", std::string(1024, '5'));
+             light.command("GetSoftwareVersion");
+             light.command("GetUnitStatus");
          }},
         {"failure: request too long", attachAndOpen,
-         [](Session& session) { session.command("GetSoftwareVersion", std::string(1024, '1')); }},
+         [](TapedLight& light) { light.command("GetSoftwareVersion", std::string(1024, '1')); }},
         {"failure: command to a device that is not open", attach,
-         [](Session& session) { session.command("GetSoftwareVersion"); }},
+         [](TapedLight& light) { light.command("GetSoftwareVersion"); }},
         {"failure: presence byte not answered", attachAndOpen,
-         [](Session& session) { session.whileSilent([&] { session.ping(); }); }},
+         [](TapedLight& light) { light.whileSilent([&] { light.ping(); }); }},
     };
 }
 
 std::vector<Scene> openingFailureScenes() {
     return {
         {"failure: port is gone", attach,
-         [](Session& session) {
-             session.unplug();
-             session.open();
+         [](TapedLight& light) {
+             light.unplug();
+             light.open();
          }},
         {"failure: error reply to Connect", attach,
-         [](Session& session) {
-             session.refuse("Connect");
-             session.open();
+         [](TapedLight& light) {
+             light.refuse("Connect");
+             light.open();
          }},
         {"failure: no reply to Connect", attach,
-         [](Session& session) {
-             session.whileSilent([&] { session.open(); });
-             session.open();
+         [](TapedLight& light) {
+             light.whileSilent([&] { light.open(); });
+             light.open();
          }},
         {"failure: error reply during the read-out", attach,
-         [](Session& session) {
-             session.refuse("GetUnitStatus");
-             session.open();
-             session.command("GetSoftwareVersion");
-             session.open();
+         [](TapedLight& light) {
+             light.refuse("GetUnitStatus");
+             light.open();
+             light.command("GetSoftwareVersion");
+             light.open();
          }},
     };
 }
@@ -185,24 +184,24 @@ std::vector<Scene> openingFailureScenes() {
 std::vector<Scene> otherFailureScenes() {
     return {
         {"failure: error reply to the record's intensities", attachAndOpen,
-         [](Session& session) {
-             session.refuse("SetIntensity");
-             session.writeRecord("slot 0 at 300, slot 0 on", [](OrvexStruct& record) {
+         [](TapedLight& light) {
+             light.refuse("SetIntensity");
+             light.writeRecord("slot 0 at 300, slot 0 on", [](OrvexStruct& record) {
                  record.aChannels[0].iIntensity = 300;
                  turn(record, 0, true);
              });
          }},
         {"failure: error replies while switching", attachAndOpen,
-         [](Session& session) {
-             session.refuse("TurnLedOff");
-             session.refuse("CloseShutter");
-             session.switchOrvex(true, false);
+         [](TapedLight& light) {
+             light.refuse("TurnLedOff");
+             light.refuse("CloseShutter");
+             light.switchOrvex(true, false);
          }},
         {"failure: error replies while closing", attachAndOpen,
-         [](Session& session) {
-             session.refuse("CloseShutter");
-             session.refuse("Disconnect");
-             session.close();
+         [](TapedLight& light) {
+             light.refuse("CloseShutter");
+             light.refuse("Disconnect");
+             light.close();
          }},
     };
 }

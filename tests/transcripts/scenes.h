@@ -7,15 +7,15 @@
 #include <vector>
 
 #include "device/models.h"
-#include "tests/transcripts/session.h"
+#include "tests/transcripts/taped_light.h"
 
 namespace orvex_test {
 
 /// One section of a transcript. The preparation is not taken down.
 struct Scene {
     std::string title;
-    std::function<void(Session&)> prepare;
-    std::function<void(Session&)> act;
+    std::function<void(TapedLight&)> prepare;
+    std::function<void(TapedLight&)> act;
 };
 
 /// How the title of a command's section begins.

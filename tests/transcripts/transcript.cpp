@@ -10,7 +10,7 @@
 
 #include "device/models.h"
 #include "tests/transcripts/scenes.h"
-#include "tests/transcripts/session.h"
+#include "tests/transcripts/taped_light.h"
 
 namespace orvex_test {
 
@@ -34,11 +34,11 @@ constexpr std::size_t kLongRun = 32;
 constexpr std::size_t kClassWidth = 8;
 
 Events play(OrvexType model, const Scene& scene, std::uint32_t logBits) {
-    Session session(model, logBits);
-    scene.prepare(session);
-    session.startTape();
-    scene.act(session);
-    return session.events();
+    TapedLight light(model, logBits);
+    scene.prepare(light);
+    light.startTape();
+    scene.act(light);
+    return light.events();
 }
 
 Events only(const Events& events, bool log) {

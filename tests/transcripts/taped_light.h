@@ -16,13 +16,13 @@
 namespace orvex_test {
 
 /// A simulated device that is plugged in and, once attached, known to the library.
-class Session {
+class TapedLight {
   public:
     /// @param logBits the classes of messages that are taken down
-    Session(OrvexType model, std::uint32_t logBits);
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    ~Session();
+    TapedLight(OrvexType model, std::uint32_t logBits);
+    TapedLight(const TapedLight&) = delete;
+    TapedLight& operator=(const TapedLight&) = delete;
+    ~TapedLight();
 
     /// Everything from here on belongs to the transcript.
     void startTape() { tape_.start(); }

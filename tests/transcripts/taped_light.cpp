@@ -1,4 +1,4 @@
-#include "tests/transcripts/session.h"
+#include "tests/transcripts/taped_light.h"
 
 #include <array>
 #include <cstdio>
@@ -50,18 +50,18 @@ void replaceAll(std::string& text, const std::string& what, const std::string& b
 
 }  // namespace
 
-Session::Session(OrvexType model, std::uint32_t logBits)
+TapedLight::TapedLight(OrvexType model, std::uint32_t logBits)
     : port_(setupOf(model)), tape_(port_.path()) {
     ORVEX_SetLogBits(logBits);
     ORVEX_RegisterLogCallback(takeDown);
     ORVEX_SetLogMode(LOG_METHOD_CALLBACK);
 }
 
-Session::~Session() {
+TapedLight::~TapedLight() {
     gl_devs.erase(key_);
 }
 
-std::vector<Event> Session::events() const {
+std::vector<Event> TapedLight::events() const {
     std::vector<Event> events = tape_.events();
     for (Event& event : events) {
         replaceAll(event.text, port_.path(), "{port}");
@@ -70,7 +70,7 @@ std::vector<Event> Session::events() const {
     return events;
 }
 
-void Session::attach() {
+void TapedLight::attach() {
     // Scanning finds two of the models only; the library has to know the others all the same.
     step("attach");
     auto device = std::make_unique<LightDevice>(port_.model(), port_.path());
@@ -78,17 +78,17 @@ void Session::attach() {
     gl_devs.emplace(key_, std::move(device));
 }
 
-void Session::open() {
+void TapedLight::open() {
     step("ORVEX_OpenDeviceEx");
     result(ORVEX_OpenDeviceEx(handle()));
 }
 
-void Session::close() {
+void TapedLight::close() {
     step("ORVEX_CloseDevice");
     ORVEX_CloseDevice(handle());
 }
 
-void Session::command(const std::string& name, const std::string& value) {
+void TapedLight::command(const std::string& name, const std::string& value) {
     step("ORVEX_ExecuteCommandWithValue " + quoted(name) + " " + quoted(value));
     std::array<char, 2048> reply{};
     result(ORVEX_ExecuteCommandWithValue(handle(), name.c_str(), reply.data(), reply.size(),
@@ -96,42 +96,42 @@ void Session::command(const std::string& name, const std::string& value) {
     tape_.add(Kind::Result, quoted(reply.data()));
 }
 
-void Session::writeRecord(const std::string& what,
-                          const std::function<void(OrvexStruct&)>& change) {
+void TapedLight::writeRecord(const std::string& what,
+                             const std::function<void(OrvexStruct&)>& change) {
     step("ORVEX_SetOVStruct: " + what);
     OrvexStruct changed = record();
     change(changed);
     result(ORVEX_SetOVStruct(handle(), &changed));
 }
 
-void Session::switchOrvex(bool enable, bool on) {
+void TapedLight::switchOrvex(bool enable, bool on) {
     step("ORVEX_SwitchOrvex enable=" + flag(enable) + " on=" + flag(on));
     result(ORVEX_SwitchOrvex(handle(), enable, on));
 }
 
-void Session::setLamp(bool on) {
+void TapedLight::setLamp(bool on) {
     directly("setLampState " + flag(on), [on](LightDevice& light) { light.setLampState(on); });
 }
 
-void Session::setShutter(bool open) {
+void TapedLight::setShutter(bool open) {
     directly("setShutterState " + flag(open),
              [open](LightDevice& light) { light.setShutterState(open); });
 }
 
-void Session::ping() {
+void TapedLight::ping() {
     step("ping");
     tape_.add(Kind::Result, flag(device().ping()));
 }
 
-void Session::refuse(const std::string& command) {
+void TapedLight::refuse(const std::string& command) {
     port_.addFault(orvex::sim::onCommand(command), orvex::sim::errorReply());
 }
 
-void Session::answer(const std::string& command, const std::string& bytes) {
+void TapedLight::answer(const std::string& command, const std::string& bytes) {
     port_.replyWith(command, bytes);
 }
 
-void Session::whileSilent(const std::function<void()>& steps) {
+void TapedLight::whileSilent(const std::function<void()>& steps) {
     port_.clearRecord();
     port_.addFault(orvex::sim::onAny(), orvex::sim::silence());
     tape_.expectSilence(true);
@@ -144,11 +144,11 @@ void Session::whileSilent(const std::function<void()>& steps) {
     port_.clearFaults();
 }
 
-void Session::unplug() {
+void TapedLight::unplug() {
     port_.hangUp();
 }
 
-OrvexStruct Session::record() {
+OrvexStruct TapedLight::record() {
     OrvexStruct record{};
     record.iSize = sizeof record;
     if (ORVEX_GetOVStruct(handle(), &record) != ORVEX_OK) {
@@ -157,15 +157,15 @@ OrvexStruct Session::record() {
     return record;
 }
 
-void Session::step(const std::string& what) {
+void TapedLight::step(const std::string& what) {
     tape_.add(Kind::Step, what);
 }
 
-void Session::result(std::uint32_t status) {
+void TapedLight::result(std::uint32_t status) {
     tape_.add(Kind::Result, hexadecimal(status));
 }
 
-void Session::directly(const std::string& what, const std::function<void(LightDevice&)>& call) {
+void TapedLight::directly(const std::string& what, const std::function<void(LightDevice&)>& call) {
     step(what);
     try {
         call(device());
@@ -175,11 +175,11 @@ void Session::directly(const std::string& what, const std::function<void(LightDe
     }
 }
 
-LightDevice& Session::device() const {
+LightDevice& TapedLight::device() const {
     return *gl_devs.at(key_);
 }
 
-std::uint64_t Session::handle() const {
+std::uint64_t TapedLight::handle() const {
     return reinterpret_cast<std::uint64_t>(key_);
 }
 
