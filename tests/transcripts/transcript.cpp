@@ -5,6 +5,8 @@
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
+#include <exception>
+#include <iterator>
 #include <stdexcept>
 #include <vector>
 
@@ -37,7 +39,11 @@ Events play(OrvexType model, const Scene& scene, std::uint32_t logBits) {
     TapedLight light(model, logBits);
     scene.prepare(light);
     light.startTape();
-    scene.act(light);
+    try {
+        scene.act(light);
+    } catch (const std::exception& failure) {
+        throw std::runtime_error("\"" + scene.title + "\" ends early: " + failure.what());
+    }
     return light.events();
 }
 
