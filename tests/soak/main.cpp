@@ -3,11 +3,13 @@
 //   orvex_soak [--seed N] [--steps N] [--minutes N]
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <iostream>
 #include <optional>
 #include <random>
 
+#include "tests/soak/heap.h"
 #include "tests/soak/refusal.h"
 #include "tests/soak/resources.h"
 #include "tests/soak/rig.h"
@@ -17,9 +19,15 @@ namespace {
 using orvex_soak::Resources;
 using Clock = std::chrono::steady_clock;
 
-// So many steps are between two checks of what the process uses.
-constexpr std::size_t kInterval = 2'000;
-constexpr std::size_t kReportInterval = 100 * kInterval;
+constexpr std::size_t kReportInterval = 200'000;
+// What all devices at once may need.
+constexpr std::size_t kAllocatedAtMost = 512 * 1024;
+
+/// Whether it is time to look at what the process uses: soon at first, then seldom, so that devices
+/// may stay for long.
+bool isCheckpoint(std::size_t step) {
+    return step % (step <= 20'000 ? 2'000 : 200'000) == 0;
+}
 
 struct Options {
     std::uint64_t seed = std::random_device{}();
@@ -37,7 +45,8 @@ class Soak {
         try {
             while (!isOver()) {
                 rig_.step();
-                if (rig_.figures().steps % kInterval == 0) {
+                most_ = std::max(most_, orvex_soak::allocatedBytes());
+                if (isCheckpoint(rig_.figures().steps)) {
                     checkResources();
                 }
             }
@@ -70,6 +79,8 @@ class Soak {
         const std::string grown = orvex_soak::growth(*first_, last_);
         orvex_soak::requireThat(grown.empty(),
                                 grown + ": " + textOf(*first_) + " became " + textOf(last_));
+        orvex_soak::requireThat(most_ <= kAllocatedAtMost,
+                                std::to_string(most_) + " bytes allocated at once");
         if (rig_.figures().steps % kReportInterval == 0) {
             std::cout << rig_.figures().steps << " steps, " << rig_.exchanges() << " exchanges, "
                       << static_cast<long>(elapsed()) << " s" << std::endl;
@@ -92,7 +103,8 @@ class Soak {
                   << " unplugged, " << figures.scans << " scans, " << figures.opened << " opens, "
                   << figures.faults << " faults set up, " << figures.failures
                   << " failing calls\nat first: " << textOf(*first_)
-                  << "\nat last:  " << textOf(last_) << std::endl;
+                  << "\nat last:  " << textOf(last_) << "\nat most:  " << most_
+                  << " bytes allocated" << std::endl;
     }
 
     const Options options_;
@@ -100,6 +112,7 @@ class Soak {
     const Clock::time_point begin_ = Clock::now();
     std::optional<Resources> first_;
     Resources last_;
+    std::size_t most_ = 0;
 };
 
 }  // namespace

@@ -19,6 +19,11 @@ std::string pathOf(int number) {
     return "/dev/ttyACM" + std::to_string(number);
 }
 
+/// One device stays for long, the others come and go.
+bool isSettled(const std::string& path) {
+    return path == pathOf(0);
+}
+
 }  // namespace
 
 void Rig::step() {
@@ -102,6 +107,9 @@ OrvexType Rig::modelFor(const Path& path) {
     if (known != devices_.end() && random_.percent(80)) {
         return known->second.type();
     }
+    if (isSettled(path)) {
+        return ORVEX_TYPE_TAMAR;
+    }
     if (random_.percent(50)) {
         return random_.percent(70) ? ORVEX_TYPE_TAMAR : ORVEX_TYPE_CEDAR;
     }
@@ -136,6 +144,9 @@ void Rig::unplugOne() {
     }
     const auto offset = static_cast<std::ptrdiff_t>(random_.below(sockets_.size()));
     const auto socket = std::next(sockets_.begin(), offset);
+    if (isSettled(socket->first) && random_.percent(99)) {
+        return;
+    }
     action_ = "unplug " + socket->first;
     wire_.unplug(socket->first);
     sockets_.erase(socket);
@@ -183,15 +194,15 @@ void Rig::faultFor(const Path& path, bool opening) {
             break;
         default:
             if (plugged != wire_.plugged().end()) {
-                deviceFaultFor(*plugged->second);
+                deviceFaultFor(*plugged->second, !isSettled(path));
             }
             break;
     }
     action_ += " (with a fault)";
 }
 
-void Rig::deviceFaultFor(Port& port) {
-    const std::vector<Fault> faults = {
+void Rig::deviceFaultFor(Port& port, bool mayHangUp) {
+    std::vector<Fault> faults = {
         orvex::sim::silence(),
         orvex::sim::errorReply(),
         orvex::sim::unterminated(),
@@ -201,8 +212,10 @@ void Rig::deviceFaultFor(Port& port) {
         orvex::sim::scripted("\r"),
         orvex::sim::scripted("E\r"),
         orvex::sim::scripted(std::string(1023, ',') + "\r"),
-        orvex::sim::hangUp(),
     };
+    if (mayHangUp) {
+        faults.push_back(orvex::sim::hangUp());
+    }
     const auto nth = static_cast<unsigned>(random_.between(1, 12));
     port.device().faults().add(onAny().nth(random_.percent(50) ? 1 : nth), random_.oneOf(faults));
 }

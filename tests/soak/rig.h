@@ -55,7 +55,7 @@ class Rig {
     void unplugOne();
     void unplugEnded();
     void faultFor(const Path& path, bool opening);
-    void deviceFaultFor(Port& port);
+    void deviceFaultFor(Port& port, bool mayHangUp);
     void clearFaults();
     [[nodiscard]] orvex::sim::DeviceSetup randomSetup(OrvexType model);
     [[nodiscard]] OrvexType modelFor(const Path& path);
