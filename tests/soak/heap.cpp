@@ -1,6 +1,15 @@
-// The system's figures cannot be compared: it counts freed blocks that it keeps for later.
 #include "tests/soak/heap.h"
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// A sanitizer watches the operators itself, and counts.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+
+std::size_t orvex_soak::allocatedBytes() noexcept {
+    return ::__sanitizer_get_current_allocated_bytes();
+}
+
+#else
+// The system's figures cannot be compared: they count freed blocks that are kept for later.
 #include <malloc.h>
 
 #include <cstdlib>
@@ -10,7 +19,13 @@ namespace {
 
 std::size_t allocated = 0;
 
-void* allocate(std::size_t size) {
+}  // namespace
+
+std::size_t orvex_soak::allocatedBytes() noexcept {
+    return allocated;
+}
+
+void* operator new(std::size_t size) {
     void* const block = std::malloc(size != 0 ? size : 1);
     if (block == nullptr) {
         throw std::bad_alloc();
@@ -19,29 +34,15 @@ void* allocate(std::size_t size) {
     return block;
 }
 
-void release(void* block) noexcept {
+void operator delete(void* block) noexcept {
     if (block != nullptr) {
         allocated -= ::malloc_usable_size(block);
         std::free(block);
     }
 }
 
-}  // namespace
-
-namespace orvex_soak {
-
-std::size_t allocatedBytes() noexcept {
-    return allocated;
-}
-
-}  // namespace orvex_soak
-
-void* operator new(std::size_t size) {
-    return allocate(size);
-}
-void operator delete(void* block) noexcept {
-    release(block);
-}
 void operator delete(void* block, std::size_t /*size*/) noexcept {
-    release(block);
+    operator delete(block);
 }
+
+#endif

@@ -1,5 +1,5 @@
 /// @file
-/// What is allocated, exactly: the program's operators new and delete count.
+/// What is allocated, exactly.
 #pragma once
 
 #include <cstddef>
