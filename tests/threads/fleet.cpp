@@ -1,5 +1,6 @@
 #include "tests/threads/fleet.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdlib>
@@ -14,12 +15,13 @@ namespace orvex_threads {
 namespace {
 
 constexpr int kFewExchanges = 200;
+constexpr int kLeastExchanges = 8;
 
 }  // namespace
 
 int exchangesPerThread() {
     const char* const asked = std::getenv("ORVEX_STRESS_EXCHANGES");
-    return asked != nullptr ? std::atoi(asked) : kFewExchanges;
+    return asked != nullptr ? std::max(std::stoi(asked), kLeastExchanges) : kFewExchanges;
 }
 
 void inThreads(const std::function<void(int)>& work) {

@@ -18,7 +18,8 @@ namespace orvex_threads {
 
 constexpr int kThreads = 8;
 
-/// How many exchanges each thread makes: ORVEX_STRESS_EXCHANGES in the environment, else few.
+/// How many exchanges each thread makes with a device: ORVEX_STRESS_EXCHANGES in the environment, at
+/// least 8; few by default.
 [[nodiscard]] int exchangesPerThread();
 
 /// Runs @p work in eight threads at once; it gets its thread's number.
