@@ -18,8 +18,8 @@ namespace orvex_threads {
 
 constexpr int kThreads = 8;
 
-/// How many exchanges each thread makes with a device: ORVEX_STRESS_EXCHANGES in the environment, at
-/// least 8; few by default.
+/// How many exchanges each thread makes with a device: few, or as many as ORVEX_STRESS_EXCHANGES in
+/// the environment says, but at least 8.
 [[nodiscard]] int exchangesPerThread();
 
 /// Runs @p work in eight threads at once; it gets its thread's number.
