@@ -49,6 +49,11 @@ class Rig {
     struct Socket {
         bool isCedar = false;  ///< How udev lists it: a Cedar or a Tamar.
     };
+    struct OpenRequest {
+        OrvexType type = ORVEX_TYPE_UNDEFINED;
+        Path port;
+        unsigned baud = 0;
+    };
 
     // rig.cpp: the devices' side
     void plugIn();
@@ -63,12 +68,17 @@ class Rig {
     // rig_scan.cpp: calls that change the registry
     void scan();
     void scanWrongly();
-    void openAny();
     void underUdev(const std::function<void()>& call);
     void followScan();
     void adopt(const Path& path, OrvexType model);
     void checkSlots(const std::vector<std::uint64_t>& before, std::uint32_t length);
+
+    // rig_open.cpp: opening by model and port
+    void openAny();
+    [[nodiscard]] OpenRequest randomOpenRequest();
     [[nodiscard]] std::vector<DeviceModel*> candidates(OrvexType type, const Path& port);
+    [[nodiscard]] std::size_t fittingAfterScan(OrvexType type) const;
+    void checkOpened(const OpenRequest& request, std::uint32_t status, std::uint64_t handle);
 
     // rig_calls.cpp: calls on one device
     void open();

@@ -17,6 +17,14 @@ constexpr char kUntouched = 0x55;
 
 void ignoreLine(const char* /*line*/) {}
 
+/// A buffer of which the caller has given @p length bytes, with a reply in it.
+std::string filledBuffer(const std::string& reply, std::size_t length) {
+    std::string buffer(kBuffer, kUntouched);
+    const std::string text = reply.substr(0, length - 1);
+    buffer.replace(0, length, text + std::string(length - text.size(), '\0'));
+    return buffer;
+}
+
 bool begins(const Event& event, const char* request) {
     return event.kind == Event::Kind::sent && event.request.rfind(request, 0) == 0;
 }
@@ -65,7 +73,8 @@ void Rig::execute() {
         static_cast<std::uint32_t>(random_.percent(80) ? kBuffer : random_.below(12));
     action_ = "execute " + command + " with <" + value.substr(0, 40) + "> on " + device->path();
     faultFor(device->path(), false);
-    std::string buffer(kBuffer, kUntouched);
+    const std::string untouched(kBuffer, kUntouched);
+    std::string buffer = untouched;
     const std::uint32_t status =
         plain ? ORVEX_ExecuteCommand(device->handle(), command.c_str(), buffer.data(), length)
               : ORVEX_ExecuteCommandWithValue(device->handle(), command.c_str(), buffer.data(),
@@ -75,16 +84,12 @@ void Rig::execute() {
     std::uint32_t expected = device->execute(command, value, reply, transcript);
     transcript.expectEnd();
     expectQuiet(device->path());
-    std::string filled(kBuffer, kUntouched);
     if (expected == ORVEX_OK && length < reply.size()) {
         expected = ORVEX_ERR_BUFFER_TOO_SMALL;
-    } else if (expected == ORVEX_OK) {
-        std::fill_n(filled.begin(), length, '\0');
-        filled.replace(0, std::min<std::size_t>(reply.size(), length - 1), reply, 0,
-                       std::min<std::size_t>(reply.size(), length - 1));
     }
     expectStatus(status, expected);
-    requireThat(buffer == filled, "the reply buffer holds something else");
+    requireThat(buffer == (expected == ORVEX_OK ? filledBuffer(reply, length) : untouched),
+                "the reply buffer holds something else");
 }
 
 /// Mostly one that the model has.
@@ -145,7 +150,8 @@ OrvexStruct Rig::randomRecord(const DeviceModel& device) {
     if (random_.percent(10)) {
         record.iNumChannels = random_.between(-1, record.iNumChannels + 1);
     }
-    const std::size_t slots = std::clamp(record.iNumChannels, 1, ORVEX_MAX_CHANNEL);
+    const auto slots =
+        static_cast<std::size_t>(std::clamp<int>(record.iNumChannels, 1, ORVEX_MAX_CHANNEL));
     for (int changes = random_.between(0, 4); changes > 0; --changes) {
         OrvexChannel& channel = record.aChannels[random_.below(slots)];
         if (random_.percent(50)) {
