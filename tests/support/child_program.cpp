@@ -79,6 +79,12 @@ std::vector<std::string> ChildProgram::linesUntil(const std::string& text) {
     return lines;
 }
 
+std::string ChildProgram::nextLine() {
+    std::string line;
+    readLine(line);
+    return line;
+}
+
 void ChildProgram::say(const std::string& line) {
     const std::string bytes = line + "\n";
     static_cast<void>(!::write(input_, bytes.data(), bytes.size()));

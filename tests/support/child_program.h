@@ -23,6 +23,8 @@ class ChildProgram {
     /// Reads its output up to a line of this text, which is not returned.
     /// @return the lines before; all lines when the text does not come
     [[nodiscard]] std::vector<std::string> linesUntil(const std::string& text);
+    /// The next line of its output; empty at the end of it.
+    [[nodiscard]] std::string nextLine();
     /// Sends a line.
     void say(const std::string& line);
     /// Waits for its end.

@@ -14,6 +14,7 @@ namespace orvex_test {
 /// destroying one changes the list of devices: no device call may run meanwhile.
 class RegisteredLight {
   public:
+    explicit RegisteredLight(OrvexType model) : RegisteredLight(setupOf(model)) {}
     explicit RegisteredLight(const orvex::sim::DeviceSetup& setup,
                              orvex::sim::Observer observer = {})
         : device(setup, std::move(observer)), handle(registerAt(setup.model, device.path())) {}
@@ -25,6 +26,11 @@ class RegisteredLight {
     const std::uint64_t handle;
 
   private:
+    static orvex::sim::DeviceSetup setupOf(OrvexType model) {
+        orvex::sim::DeviceSetup setup;
+        setup.model = model;
+        return setup;
+    }
     static std::uint64_t registerAt(OrvexType model, const std::string& path) {
         auto light = std::make_unique<LightDevice>(model, path);
         void* const key = light->hDev();
