@@ -22,14 +22,15 @@ constexpr int kReadAttempts = 3;
 constexpr auto kReadPause = 200ms;
 constexpr auto kClosingPause = 10ms;
 
-/// Opens a port on a descriptor above 0, which stands for "not connected": a daemon that has closed
-/// its standard input would be given 0.
+/// Opens a port on a descriptor above those of the standard streams, which a daemon may have
+/// closed: 0 stands for "not connected", and on 1 or 2 the device would be sent what the program
+/// prints.
 int openPort(const char* path) {
     const int fd = ::open(path, O_RDWR);
-    if (fd != 0) {
+    if (fd < 0 || fd > STDERR_FILENO) {
         return fd;
     }
-    const int higher = ::fcntl(fd, F_DUPFD, 1);
+    const int higher = ::fcntl(fd, F_DUPFD, STDERR_FILENO + 1);
     const int error = errno;
     ::close(fd);
     errno = error;
