@@ -45,6 +45,9 @@ const char* nameOf(FaultKind kind) {
 
 orvex::sim::Fault faultOf(FaultKind kind, unsigned seed) {
     constexpr auto kDripPause = std::chrono::milliseconds(20);
+    // A terminal takes so many bytes in one piece: a second one might come after the next request
+    // has discarded the first, and would be taken for its reply.
+    constexpr std::size_t kEndless = 2000;
     switch (kind) {
         case FaultKind::silence:
             break;
@@ -61,7 +64,7 @@ orvex::sim::Fault faultOf(FaultKind kind, unsigned seed) {
         case FaultKind::drip:
             return orvex::sim::slowly(kDripPause);
         case FaultKind::endless:
-            return orvex::sim::endless();
+            return orvex::sim::endless(kEndless);
     }
     return orvex::sim::silence();
 }
