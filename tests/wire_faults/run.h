@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "tests/support/registered_light.h"
-#include "tests/support/scheduling_delay.h"
 #include "tests/wire_faults/expectation.h"
 #include "tests/wire_faults/fault_kinds.h"
 #include "tests/wire_faults/scenario.h"
+#include "tests/wire_faults/scheduling_delay.h"
 #include "tests/wire_faults/wire_monitor.h"
 
 namespace orvex_test {
