@@ -288,7 +288,7 @@ ORVEX_API uint32_t ORVEX_GetDeviceInfo(uint64_t handle, uint32_t* type, char* po
  *
  * The close that answers the first open shuts the shutter, tells the device and releases the port;
  * a failing device is released all the same. The handle stays valid. An unknown handle, or a
- * device that is not connected, is left alone. Blocks for up to two exchanges.
+ * device that is not connected, is left alone. Blocks for one exchange.
  * @param[in] handle a device's handle
  */
 ORVEX_API void ORVEX_CloseDevice(uint64_t handle);

@@ -39,8 +39,8 @@ struct Fault {
 /// A reply without its last byte, the carriage return.
 [[nodiscard]] Fault unterminated();
 /// @p limit bytes without a carriage return, or as many as fit until the next request. The default
-/// fits into a terminal's buffer, so that a client's purge removes what it does not want.
-[[nodiscard]] Fault endless(std::size_t limit = 3000, char byte = '5');
+/// goes out in one piece, so that a client's purge removes what it does not want.
+[[nodiscard]] Fault endless(std::size_t limit = 2000, char byte = '5');
 /// The port ends, as if the device were pulled out.
 [[nodiscard]] Fault hangUp();
 
