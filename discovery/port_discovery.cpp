@@ -76,7 +76,9 @@ std::unordered_map<std::string, OrvexType> getComMapping() {
     udev_enumerate_scan_devices(enumeration.get());
     for (udev_list_entry* entry = udev_enumerate_get_list_entry(enumeration.get());
          entry != nullptr; entry = udev_list_entry_get_next(entry)) {
-        addPort(context.get(), udev_list_entry_get_name(entry), ports);
+        if (const char* sysPath = udev_list_entry_get_name(entry); sysPath != nullptr) {
+            addPort(context.get(), sysPath, ports);
+        }
     }
     return ports;
 }
