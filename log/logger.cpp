@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "log/log.h"
+#include "log/sinks.h"
 
 Logger::Logger(unsigned level) : level_(level) {}
 
@@ -44,7 +45,7 @@ void Logger::emit(const std::string& line) {
             }
             break;
         case LOG_METHOD_STDOUT:
-            std::cout << line << '\n' << std::flush;
+            orvex::writeLine(std::cout, line);
             break;
         default:
             break;

@@ -8,21 +8,14 @@
 
 #include "log/log.h"
 
-namespace {
-
-void writeLine(std::ostream& out, const std::string& message) {
-    const std::lock_guard<std::mutex> guard(gl_lock);
-    out << message << '\n' << std::flush;
-}
-
-}  // namespace
-
 void stdOut(const std::string& message) {
-    writeLine(std::cout, message);
+    const std::lock_guard<std::mutex> guard(gl_lock);
+    orvex::writeLine(std::cout, message);
 }
 
 void stdErr(const std::string& message) {
-    writeLine(std::cerr, message);
+    const std::lock_guard<std::mutex> guard(gl_lock);
+    orvex::writeLine(std::cerr, message);
 }
 
 void fileLog(const std::string& message) {
@@ -39,6 +32,11 @@ void callback(const std::string& message) {
 }
 
 namespace orvex {
+
+void writeLine(const std::ostream& standard, const std::string& line) {
+    std::ostream out(standard.rdbuf());
+    out << line << '\n' << std::flush;
+}
 
 void sendToSink(const std::string& line, bool isError) {
     switch (gl_log_method) {
