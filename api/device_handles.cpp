@@ -7,6 +7,8 @@
 #include "discovery/device_list.h"
 #include "include/qtr_orvex.h"
 
+using orvex::logLine;
+
 namespace {
 
 constexpr unsigned kDefaultBaudrate = 9600;
@@ -16,10 +18,6 @@ void writeIfWanted(uint32_t* target, uint32_t value) {
     if (target != nullptr) {
         *target = value;
     }
-}
-
-std::string handleText(uint64_t handle) {
-    return to_hexstring(orvex::toKey(handle), true, false, false);
 }
 
 /// The first registered device that fits; an open one only when the request names port or model.
@@ -58,10 +56,16 @@ uint32_t openSelected(uint64_t* handle, OrvexType type, const std::string& port,
         return ORVEX_ERR_NO_DEVICE;
     }
     // A pointer's own notation has the "0x" once more; programs know the line so.
-    std::ostringstream line;
-    line << "ORVEX_OpenDevice: 0x" << opened;
-    log(LOG_BIT_DETAIL, line.str());
+    logLine(LOG_BIT_DETAIL, "ORVEX_OpenDevice: 0x", opened);
     return ORVEX_OK;
+}
+
+void logOpened(const LightDevice& device, uint64_t handle) {
+    try {
+        logLine(LOG_BIT_DETAIL, "openDeviceEx: Orvex [Type: ", device.getType(), "] @ \"",
+                device.getComPort(), "\" assigned to hDev: ", orvex::toKey(handle));
+    } catch (const std::bad_alloc&) {  // The path's copy: the line is lost, the device is open.
+    }
 }
 
 }  // namespace
@@ -81,11 +85,10 @@ uint32_t ORVEX_OpenDevice(uint64_t* handle, uint32_t type, const char* port, uin
     }
     if (*handle != 0) {
         // The address of the caller's variable with a doubled "0x": programs know the line so.
-        std::ostringstream line;
-        line << "ORVEX_OpenDevice: handle adress was not nullptr. Explicit open with openDeviceEx "
-                "(reopen not supported): 0x"
-             << static_cast<const void*>(handle);
-        logerr(line.str());
+        logLine(LOG_BIT_ERROR,
+                "ORVEX_OpenDevice: handle adress was not nullptr. Explicit open with openDeviceEx "
+                "(reopen not supported): 0x",
+                static_cast<const void*>(handle));
         return ORVEX_ERR_INVALID_HANDLE;
     }
     try {
@@ -113,9 +116,7 @@ uint32_t ORVEX_OpenDeviceEx(uint64_t handle) {
     } catch (const DriverException& e) {
         return orvex::reportFailure("ORVEX_OpenDeviceEx", e);
     }
-    log(LOG_BIT_DETAIL, "openDeviceEx: Orvex [Type: " + std::to_string(device->getType()) +
-                            "] @ \"" + device->getComPort() +
-                            "\" assigned to hDev: " + handleText(handle));
+    logOpened(*device, handle);
     return ORVEX_OK;
 }
 
@@ -139,12 +140,13 @@ uint32_t ORVEX_GetDeviceInfo(uint64_t handle, uint32_t* type, char* port, uint32
 }
 
 void ORVEX_CloseDevice(uint64_t handle) {
-    log(LOG_BIT_DETAIL, "ORVEX_CloseDevice: " + handleText(handle));
+    const void* const key = orvex::toKey(handle);
+    logLine(LOG_BIT_DETAIL, "ORVEX_CloseDevice: ", key);
     LightDevice* device = orvex::findDevice(handle);
     if (device == nullptr) {
-        log(LOG_BIT_WARNING, "ORVEX_CloseDevice: Handle not found: " + handleText(handle));
+        logLine(LOG_BIT_WARNING, "ORVEX_CloseDevice: Handle not found: ", key);
     } else if (device->isConnected()) {
         device->closeConnection(false);
     }
-    log(LOG_BIT_INFO, kSeparator);
+    logLine(LOG_BIT_INFO, kSeparator);
 }

@@ -3,11 +3,10 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "api/device_registry.h"
 #include "api/driver_exception.h"
-#include "log/log.h"
+#include "log/log_line.h"
 
 namespace orvex {
 
@@ -29,7 +28,7 @@ namespace orvex {
 
 /// Logs a call's failure as an error and returns its status code.
 [[nodiscard]] inline std::uint32_t reportFailure(const char* call, const DriverException& e) {
-    logerr(std::string(call) + ": failed. Exception: " + e.what());
+    logLine(LOG_BIT_ERROR, call, ": failed. Exception: ", e.what());
     return e.error_code();
 }
 

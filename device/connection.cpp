@@ -1,7 +1,9 @@
 // A device's connection: opening, counting the opens, closing.
 #include "api/driver_exception.h"
 #include "device/light_device.h"
-#include "log/log.h"
+#include "log/log_line.h"
+
+using orvex::logLine;
 
 namespace {
 
@@ -29,7 +31,7 @@ void* LightDevice::openConnection(unsigned baud) {
         query("EnableExtendedCommands");
     }
     initDevice();
-    log(LOG_BIT_DETAIL, "openConnection: succeed.");
+    logLine(LOG_BIT_DETAIL, "openConnection: succeed.");
     connection_count_ = 1;
     return hDev();
 }
@@ -41,9 +43,8 @@ void* LightDevice::reopen() {
         orvex::raise(ORVEX_ERR_NOT_CONNECTED);
     }
     const std::uint32_t count = ++connection_count_;
-    log(LOG_BIT_INFO,
-        "LightDevice::openConnection: LightDevice openend again. connection_count_: " +
-            std::to_string(count));
+    logLine(LOG_BIT_INFO,
+            "LightDevice::openConnection: LightDevice openend again. connection_count_: ", count);
     return hDev();
 }
 
@@ -52,7 +53,7 @@ bool LightDevice::connectLink(unsigned baud) {
     link_ = std::make_unique<SerialLink>('\0');
     const unsigned refused = link_->connect(port_, baud);
     if (refused != ORVEX_OK) {
-        logerr("LightDevice::openConnection: connect() failed: " + std::to_string(refused));
+        logLine(LOG_BIT_ERROR, "LightDevice::openConnection: connect() failed: ", refused);
         link_.reset();
         return false;
     }
@@ -64,7 +65,7 @@ std::string LightDevice::requestConnect() {
         return query("Connect");
     } catch (const DriverException& e) {
         const Lock lock(mutex_);
-        logerr(std::string("LightDevice::openConnection: ") + e.what());
+        logLine(LOG_BIT_ERROR, "LightDevice::openConnection: ", e.what());
         const unsigned failed = link().disconnect();
         link_.reset();
         if (failed != ORVEX_OK) {
@@ -95,10 +96,20 @@ void LightDevice::releaseLink() {
 int LightDevice::closeConnection(bool leaveShutter) {
     const std::uint32_t remaining = --connection_count_;
     if (remaining != 0) {
-        log(LOG_BIT_INFO, "Closed 1x device " + to_hexstring(hDev(), true, false, false) +
-                              ". Is still open " + std::to_string(remaining) + " time(s).");
+        logLine(LOG_BIT_INFO, "Closed 1x device ", hDev(), ". Is still open ", remaining,
+                " time(s).");
         return 0;
     }
+    takeLeave(leaveShutter);
+    const Lock lock(mutex_);
+    link_.reset();
+    resetDevice();
+    logLine(LOG_BIT_INFO, "closeConnection: disconnected.");
+    return 0;
+}
+
+/// Tells the device; the port is released whatever happens here.
+void LightDevice::takeLeave(bool leaveShutter) {
     try {
         if (!leaveShutter && knows("CloseShutter")) {
             query("CloseShutter");
@@ -108,13 +119,9 @@ int LightDevice::closeConnection(bool leaveShutter) {
         }
     } catch (const DriverException& e) {
         // Programs know this text, which names CloseShutter also when Disconnect failed.
-        logerr(
-            std::string("LightDevice::closeConnection: execute CloseShutter failed. Exception: ") +
-            e.what());
+        logLine(LOG_BIT_ERROR,
+                "LightDevice::closeConnection: execute CloseShutter failed. Exception: ", e.what());
+    } catch (const std::bad_alloc&) {
+        // The device is not told, and neither is the log.
     }
-    const Lock lock(mutex_);
-    link_.reset();
-    resetDevice();
-    log(LOG_BIT_INFO, "closeConnection: disconnected.");
-    return 0;
 }

@@ -125,6 +125,7 @@ class ORVEX_API LightDevice {
     ORVEX_LOCAL std::string requestConnect();
     [[noreturn]] ORVEX_LOCAL void failSilentConnect();
     ORVEX_LOCAL void releaseLink();
+    ORVEX_LOCAL void takeLeave(bool leaveShutter);
 
     ORVEX_LOCAL void readChannels();
     ORVEX_LOCAL void readLamp();

@@ -7,7 +7,7 @@
 #include "api/driver_exception.h"
 #include "device/handle_text.h"
 #include "discovery/port_discovery.h"
-#include "log/log.h"
+#include "log/log_line.h"
 
 namespace {
 
@@ -72,7 +72,7 @@ std::vector<void*> updateDeviceList() {
     try {
         return addNew(ports);
     } catch (const DriverException& e) {
-        logerr(std::string("updateDeviceList: failed. Exception: ") + e.what());
+        orvex::logLine(LOG_BIT_ERROR, "updateDeviceList: failed. Exception: ", e.what());
         throw;
     }
 }

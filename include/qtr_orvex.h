@@ -29,6 +29,13 @@
  * Blocking. Calls that talk to a device block for the exchange. A device that does not answer ends
  * an exchange after about 2.1 s with ::ORVEX_ERR_RECV.
  *
+ * Memory. A call that cannot allocate what it needs ends with the C++ exception std::bad_alloc; the
+ * process goes on and no lock is kept. The call has failed as it does when the device falls silent,
+ * and may be repeated once there is memory: an opening that ends so has not counted, and
+ * ::ORVEX_CloseDevice closes all the same. A log line without memory is lost and fails no call. A C
+ * program that wants to survive this makes its calls through a C++ function that catches the
+ * exception.
+ *
  * Access. The port must be readable and writable for the calling user (on Debian: group dialout).
  */
 #ifndef QTR_ORVEX_H

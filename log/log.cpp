@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <limits>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 #include <vector>
@@ -28,6 +29,13 @@ std::string format(const char* text, std::va_list arguments) {
     return buffer.data();
 }
 
+void logFormatted(unsigned level, const char* text, std::va_list arguments) {
+    try {
+        log(level, format(text, arguments));
+    } catch (const std::bad_alloc&) {  // Lost.
+    }
+}
+
 }  // namespace
 
 void buildLogMessage(std::ostream& out, unsigned level) {
@@ -46,10 +54,15 @@ void log(unsigned level, const std::string& message) {
     if ((gl_log_bits & level) == 0) {
         return;
     }
-    std::ostringstream line;
-    buildLogMessage(line, level);
-    line << message;
-    orvex::sendToSink(line.str(), (level & LOG_BIT_ERROR) != 0);
+    try {
+        std::ostringstream line;
+        buildLogMessage(line, level);
+        line << message;
+        if (line) {
+            orvex::sendToSink(line.str(), (level & LOG_BIT_ERROR) != 0);
+        }
+    } catch (const std::bad_alloc&) {  // Lost.
+    }
 }
 
 void log(const std::string& message) {
@@ -63,15 +76,13 @@ void logerr(const std::string& message) {
 void clog(unsigned level, const char* text, ...) {
     std::va_list arguments;
     va_start(arguments, text);
-    const std::string message = format(text, arguments);
+    logFormatted(level, text, arguments);
     va_end(arguments);
-    log(level, message);
 }
 
 void clog(const char* text, ...) {
     std::va_list arguments;
     va_start(arguments, text);
-    const std::string message = format(text, arguments);
+    logFormatted(LOG_BIT_INFO, text, arguments);
     va_end(arguments);
-    log(LOG_BIT_INFO, message);
 }

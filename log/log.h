@@ -3,8 +3,8 @@
 ///
 /// A message carries one class bit (LOG_BIT_…) and is written when the mask gl_log_bits shares a
 /// bit with it. Its text has no newline at the end; the sinks add one. Every function here may be
-/// called from any thread; what fails to be written is lost without a word, and only a mutex that
-/// cannot be locked throws (std::system_error).
+/// called from any thread; what fails to be written, or finds no memory, is lost without a word,
+/// and only a mutex that cannot be locked throws (std::system_error).
 #pragma once
 
 #include <atomic>

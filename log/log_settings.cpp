@@ -49,9 +49,10 @@ int ORVEX_GetLogMode(void) {
 }
 
 void ORVEX_SetLogFile(const char* path) {
+    std::string name = path;
     const std::lock_guard<std::mutex> guard(gl_lock);
-    gl_log_filename = path;
-    Logger::setLogFile(gl_log_filename);
+    Logger::setLogFile(name);  // Without memory for it neither name has changed.
+    gl_log_filename.swap(name);
 }
 
 void ORVEX_RegisterLogCallback(OrvexLogCallback receiver) {

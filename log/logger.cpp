@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <iostream>
+#include <new>
 
 #include "log/log.h"
 #include "log/sinks.h"
@@ -14,6 +15,15 @@ Logger::~Logger() {
 
 void Logger::flush() {
     const std::lock_guard<std::mutex> guard(mutex_);
+    try {
+        write();
+    } catch (const std::bad_alloc&) {  // Lost.
+    }
+    stream_.str("");
+    stream_.clear();
+}
+
+void Logger::write() {
     const std::string body = stream_.str();
     if (body.empty()) {
         return;
@@ -21,9 +31,9 @@ void Logger::flush() {
     std::ostringstream line;
     buildLogMessage(line, level_);
     line << body;
-    emit(line.str());
-    stream_.str("");
-    stream_.clear();
+    if (line) {
+        emit(line.str());
+    }
 }
 
 std::mutex& Logger::mutex() noexcept {

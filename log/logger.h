@@ -20,7 +20,8 @@ class ORVEX_API Logger {
     explicit Logger(unsigned level);
     Logger(const Logger&) = delete;
     Logger& operator=(const Logger&) = delete;
-    /// Writes the message. An exception on the way ends the process.
+    /// Writes the message. An exception on the way, of a callback for example, ends the process;
+    /// want of memory is none: the message is lost, or cut off.
     ~Logger();
 
     /// Appends a value, unless the message's class is disabled at this moment.
@@ -46,6 +47,7 @@ class ORVEX_API Logger {
   private:
     [[nodiscard]] static std::mutex& mutex() noexcept;
     [[nodiscard]] bool isEnabled() const noexcept;
+    ORVEX_LOCAL void write();
     ORVEX_LOCAL static void emit(const std::string& line);
     ORVEX_LOCAL static void appendToFile(const std::string& line);
 

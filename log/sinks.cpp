@@ -56,6 +56,7 @@ std::string localTime() {
     std::tm local{};
     localtime_r(&now, &local);
     std::ostringstream text;
+    text.exceptions(std::ios::badbit);  // Want of memory.
     text << std::put_time(&local, "%F %T");
     return text.str();
 }

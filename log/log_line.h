@@ -1,0 +1,39 @@
+/// @file
+/// Log lines that cannot fail for want of memory.
+#pragma once
+
+#include <new>
+#include <string>
+
+#include "log/log.h"
+
+namespace orvex {
+
+inline void append(std::string& text, const std::string& part) {
+    text += part;
+}
+inline void append(std::string& text, const char* part) {
+    text += part;
+}
+inline void append(std::string& text, unsigned part) {
+    text += std::to_string(part);
+}
+inline void append(std::string& text, const void* part) {
+    text += to_hexstring(part, true, false, false);
+}
+
+/// Logs a message that is put together from its parts; without the memory for it the line is lost.
+///
+/// For lines about what has been done: a call that has opened, closed or counted something must not
+/// fail only because it cannot tell.
+template <typename... Parts>
+void logLine(unsigned level, const Parts&... parts) {
+    try {
+        std::string message;
+        (append(message, parts), ...);
+        log(level, message);
+    } catch (const std::bad_alloc&) {  // Lost.
+    }
+}
+
+}  // namespace orvex
