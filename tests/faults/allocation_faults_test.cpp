@@ -38,19 +38,16 @@ std::string nameOf(const Slice& slice) {
     *out << nameOf(slice);
 }
 
-/// Handles are others in every run.
+/// Handles are others in every run: hexadecimal digits behind "0x" or "<".
 std::string withoutHandles(const std::string& line) {
-    constexpr std::size_t kShortestHandle = 6;
     std::string text;
-    std::string digits;
-    for (const char c : line + '\n') {
-        if (std::isxdigit(static_cast<unsigned char>(c)) != 0) {
-            digits += c;
-            continue;
+    bool isHandle = false;
+    for (const char c : line) {
+        isHandle = isHandle && std::isxdigit(static_cast<unsigned char>(c)) != 0;
+        if (!isHandle) {
+            text += c;
         }
-        text += digits.size() >= kShortestHandle ? "#" : digits;
-        text += c;
-        digits.clear();
+        isHandle = isHandle || c == 'x' || c == '<';
     }
     return text;
 }

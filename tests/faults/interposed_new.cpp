@@ -6,10 +6,15 @@
 
 namespace {
 
-void* allocate(std::size_t size) {
+/// Null when the allocation fails.
+void* attempt(std::size_t size) noexcept {
     const bool fails =
         orvex_faults::isInsideLibrary() && orvex_faults::injector().nextAllocationFails();
-    void* const memory = fails ? nullptr : std::malloc(size);
+    return fails ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
+void* allocate(std::size_t size) {
+    void* const memory = attempt(size);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -19,10 +24,13 @@ void* allocate(std::size_t size) {
 }  // namespace
 
 void* operator new(std::size_t size) {
-    return allocate(size == 0 ? 1 : size);
+    return allocate(size);
 }
 void* operator new[](std::size_t size) {
-    return allocate(size == 0 ? 1 : size);
+    return allocate(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept {
+    return attempt(size);
 }
 void operator delete(void* memory) noexcept {
     std::free(memory);
