@@ -66,9 +66,7 @@ Gadget::Gadget(unsigned bus, const UsbIdentity& identity)
 }
 
 Gadget::~Gadget() {
-    if (isPlugged_) {
-        connect("\n");
-    }
+    pull();
     std::error_code ignored;
     fs::remove(root_ / "configs" / "c.1" / "acm", ignored);
     for (const fs::path& directory :
@@ -79,7 +77,6 @@ Gadget::~Gadget() {
 
 void Gadget::plug() {
     connect("dummy_udc." + std::to_string(bus_));
-    isPlugged_ = true;
     requireInTime(waitUntil([this] {
                       port_ = findPort();
                       return !port_.empty() && udevKnows(port_);
@@ -93,9 +90,15 @@ void Gadget::unplug() {
                   port_ + " stays");
 }
 
+/// Another process may have pulled it already.
 void Gadget::pull() {
-    connect("\n");
-    isPlugged_ = false;
+    try {
+        connect("\n");
+    } catch (const std::system_error& error) {
+        if (error.code() != std::errc::no_such_device) {
+            throw;
+        }
+    }
 }
 
 /// The bus's only device is at its only socket.

@@ -28,7 +28,7 @@ class Gadget {
     void plug();
     /// Unplugs it and waits until udev has done its work.
     void unplug();
-    /// Unplugs it as fast as it goes.
+    /// Unplugs it, if it is plugged in, without waiting.
     void pull();
 
     /// The port for the device's own program, "/dev/ttyGS0".
@@ -45,7 +45,6 @@ class Gadget {
     const std::filesystem::path function_;
     std::string deviceSide_;
     std::string port_;
-    bool isPlugged_ = false;
 };
 
 /// Whether udev has a port with all its properties and permissions.

@@ -94,7 +94,7 @@ TEST_F(MainJob, WritesARecord) {
     state.aChannels[0].iIntensity = 120;
     state.aChannels[1].iState = 1;
     EXPECT_EQ(ORVEX_SetOVStruct(handle, &state), ORVEX_OK);
-    EXPECT_EQ(reply(handle, "GetIntensity"), "120,500,500,500,500,500,500,500\r");
+    EXPECT_EQ(reply(handle, "GetIntensity"), "120,500,0,500,500,500,500,0\r");
     EXPECT_EQ(reply(handle, "GetUnitStatus"), "0,1,0,0,0,0,0,0\r");
 }
 
@@ -112,7 +112,8 @@ TEST_F(MainJob, SwitchesTheLight) {
 TEST_F(MainJob, WorksALamp) {
     const auto& light = plugCedar();
     const std::uint64_t handle = open(light);
-    EXPECT_EQ(record(handle).aChannels[0].iIntensity, 500);
+    EXPECT_EQ(record(handle).iCapabilities, 0x3u);
+    EXPECT_EQ(reply(handle, "GetIntensity"), "50\r");
     EXPECT_EQ(reply(handle, "TurnLampOn"), "\r");
     EXPECT_EQ(reply(handle, "OpenShutter"), "\r");
     EXPECT_EQ(reply(handle, "GetUnitStatus"), "3\r");

@@ -125,6 +125,12 @@ std::string UsbLights::reply(std::uint64_t handle, const char* command, const ch
     return status == ORVEX_OK ? text.data() : digits.str();
 }
 
+long UsbLights::emptyReads() const {
+    const Lines lines = log.lines();
+    return std::count(lines.begin(), lines.end(),
+                      "Error: SerialLink::recvArray: read returned with EOF (0)");
+}
+
 OrvexStruct UsbLights::record(std::uint64_t handle) {
     OrvexStruct record{};
     record.iSize = sizeof record;

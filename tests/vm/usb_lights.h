@@ -83,6 +83,8 @@ class UsbLights : public ::testing::Test {
     /// The reply with its carriage return, or the status code in digits.
     static std::string reply(std::uint64_t handle, const char* command,
                              const char* value = nullptr);
+    /// The log's lines that tell of a read that ended with nothing.
+    [[nodiscard]] long emptyReads() const;
     static OrvexStruct record(std::uint64_t handle);
 
     LogCapture log;
