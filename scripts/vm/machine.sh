@@ -1,11 +1,14 @@
 # Boots a virtual machine and waits for its end.
 
 readonly up_limit_kvm=10
-readonly limit=${ORVEX_VM_LIMIT:-180}
+readonly limit=${ORVEX_VM_LIMIT:-300}
 machine=
 
 end_machine() {
-    [ -z "$machine" ] || kill -KILL "$machine" 2>/dev/null || true
+    [ -n "$machine" ] || return 0
+    kill -KILL "$machine" 2>/dev/null || true
+    wait "$machine" 2>/dev/null || true
+    machine=
 }
 trap end_machine EXIT
 
@@ -16,7 +19,7 @@ kvm_is_likely() {
 
 # start_machine DIRECTORY ACCELERATION: the console goes to console.log, the checks to results.
 start_machine() {
-    local directory=$1 accel=$2 cpu=max
+    local directory=$1 accel=$2 cpu=qemu64,+rdrand
     [ "$accel" = kvm ] && cpu=host
     rm -f "$directory/results" "$directory/console.log"
     qemu-system-x86_64 -accel "$accel" -cpu "$cpu" -smp 1 -m 256 -nodefaults -nic none \
@@ -38,33 +41,33 @@ await_machine() {
     [ -s "$results" ]
 }
 
-# boot_machine DIRECTORY: with acceleration when that works.
-boot_machine() {
-    local directory=$1 accel=${ORVEX_VM_ACCEL:-} end
-    if [ "$accel" = kvm ] || { [ -z "$accel" ] && kvm_is_likely; }; then
-        start_machine "$directory" kvm
-        if await_machine "$directory/results" "$up_limit_kvm"; then
-            accel=kvm
-        else
-            end_machine
-            wait "$machine" 2>/dev/null || true
-            accel=
-        fi
-    fi
-    if [ "$accel" != kvm ]; then
+# Boots with acceleration, unless that does not come up soon: start_accelerated DIRECTORY
+start_accelerated() {
+    local directory=$1
+    case ${ORVEX_VM_ACCEL:-} in
+        kvm) ;;
+        "") kvm_is_likely || return 1 ;;
+        *) return 1 ;;
+    esac
+    start_machine "$directory" kvm
+    await_machine "$directory/results" "$up_limit_kvm" && return
+    end_machine
+    return 1
+}
+
+# Boots the machine and waits for its end: run_machine DIRECTORY
+run_machine() {
+    local directory=$1 accel=kvm end=$((SECONDS + limit))
+    if ! start_accelerated "$directory"; then
         accel=tcg
         start_machine "$directory" tcg
     fi
     echo "Booted Linux $(kernel_version "$directory/kernel") with $accel"
-    end=$((SECONDS + limit))
-    while kill -0 "$machine" 2>/dev/null; do
-        if [ $SECONDS -ge "$end" ]; then
-            echo "The machine was killed after $limit seconds"
-            break
-        fi
+    while kill -0 "$machine" 2>/dev/null && [ $SECONDS -lt "$end" ]; do
         sleep 0.2
     done
+    if kill -0 "$machine" 2>/dev/null; then
+        echo "The machine was killed after $limit seconds"
+    fi
     end_machine
-    wait "$machine" 2>/dev/null || true
-    machine=
 }

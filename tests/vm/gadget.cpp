@@ -11,8 +11,6 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "tests/support/waiting.h"
-
 namespace orvex_test {
 
 namespace fs = std::filesystem;
@@ -62,7 +60,7 @@ Gadget::Gadget(unsigned bus, const UsbIdentity& identity)
     write(texts / "serialnumber", identity.serial + "\n");
     fs::create_directory_symlink(function_, configuration / "acm");
     deviceSide_ = "/dev/ttyGS" + firstLine(function_ / "port_num");
-    requireInTime(waitUntil([this] { return isThere(deviceSide_); }), "no " + deviceSide_);
+    requireInTime(waitForSystem([this] { return isThere(deviceSide_); }), "no " + deviceSide_);
 }
 
 Gadget::~Gadget() {
@@ -77,7 +75,7 @@ Gadget::~Gadget() {
 
 void Gadget::plug() {
     connect("dummy_udc." + std::to_string(bus_));
-    requireInTime(waitUntil([this] {
+    requireInTime(waitForSystem([this] {
                       port_ = findPort();
                       return !port_.empty() && udevKnows(port_);
                   }),
@@ -86,7 +84,7 @@ void Gadget::plug() {
 
 void Gadget::unplug() {
     pull();
-    requireInTime(waitUntil([this] { return !isThere(port_) && !udevKnows(port_); }),
+    requireInTime(waitForSystem([this] { return !isThere(port_) && !udevKnows(port_); }),
                   port_ + " stays");
 }
 

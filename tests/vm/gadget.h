@@ -2,8 +2,12 @@
 /// A USB device with a serial port, made by the kernel's own gadget driver.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <string>
+#include <thread>
+
+#include "tests/support/waiting.h"
 
 namespace orvex_test {
 
@@ -46,6 +50,16 @@ class Gadget {
     std::string deviceSide_;
     std::string port_;
 };
+
+/// Waits for something that udev or the kernel does. @return false when it does not come
+template <typename Condition>
+[[nodiscard]] bool waitForSystem(Condition condition) {
+    return waitUntil([&] {
+        // The machine has one processor, and the others need it more.
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return condition();
+    });
+}
 
 /// Whether udev has a port with all its properties and permissions.
 [[nodiscard]] bool udevKnows(const std::string& port);

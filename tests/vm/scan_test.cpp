@@ -3,19 +3,15 @@
 
 namespace {
 
-using ::testing::AnyOf;
 using ::testing::Contains;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::UnorderedElementsAre;
 
 class Scan : public orvex_test::UsbLights {
   protected:
-    /// A light that tells this serial text.
-    auto& plug(const orvex_test::UsbIdentity& identity, const std::string& model,
-               const std::string& serial) {
-        auto& light = make(identity, {model, serial, ""});
+    auto& plug(const orvex_test::UsbIdentity& identity, const std::string& serial = "") {
+        auto& light = make(identity, ORVEX_TYPE_TAMAR, serial);
         light.plug();
         return light;
     }
@@ -36,13 +32,13 @@ TEST_F(Scan, FindsTwoLightsOfDifferentModels) {
 }
 
 TEST_F(Scan, KeepsFourLightsApart) {
-    std::vector<const orvex_test::UsbLight*> lights;
+    std::vector<orvex_test::UsbLight*> lights;
     for (const char* serial : {"A-1", "B-2", "C-3", "D-4"}) {
-        lights.push_back(&plug(orvex_test::kTamar, "Tamar", serial));
+        lights.push_back(&plug(orvex_test::kTamar, serial));
     }
     EXPECT_THAT(scan(), SizeIs(4));
     int number = 1;
-    for (const auto* light : lights) {
+    for (auto* light : lights) {
         EXPECT_EQ(record(open(*light)).iSerialNumber, number++);
     }
     for (const std::uint64_t handle : scan()) {
@@ -73,15 +69,15 @@ TEST_F(Scan, LetsTheOthersBeWhenOneOfThreeIsUnplugged) {
 }
 
 TEST_F(Scan, FindsALightByItsIdentityAloneWhateverItsTextSays) {
-    plug({"0x04d8", "0xea08", "", ""}, "Tamar", "A-1");
+    plug({"0x04d8", "0xea08", "", ""});
     EXPECT_THAT(scan(), SizeIs(1));
     EXPECT_THAT(log.lines(), Contains("Error: LightDevice::getComMapping: product attribute: \"\" "
                                       "does not match any known device type!"));
 }
 
 TEST_F(Scan, PassesOverOtherSerialPorts) {
-    plug({"0x04d8", "0x000a", "Orvex Tamar", ""}, "Tamar", "A-1");
-    plug({"0x1d6b", "0xea08", "Orvex Tamar", ""}, "Tamar", "B-2");
+    plug({"0x04d8", "0x000a", "Orvex Tamar", ""});
+    plug({"0x1d6b", "0xea08", "Orvex Tamar", ""});
     EXPECT_THAT(scan(), IsEmpty());
 }
 

@@ -1,4 +1,5 @@
 // The command-line tool on the kernel's own driver.
+#include "tests/support/child_program.h"
 #include "tests/vm/outcome.h"
 #include "tests/vm/usb_lights.h"
 
@@ -10,7 +11,16 @@ using orvex_test::run;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-class Tool : public orvex_test::UsbLights {};
+class Tool : public orvex_test::UsbLights {
+  protected:
+    /// Plugs a light in and opens it.
+    static std::uint64_t openAfter(orvex_test::Gadget& gadget) {
+        gadget.plug();
+        const std::uint64_t handle = handleAt(gadget.port());
+        EXPECT_EQ(ORVEX_OpenDeviceEx(handle), ORVEX_OK);
+        return handle;
+    }
+};
 
 TEST_F(Tool, ListsTheLightsWithTheirUsbSerialNumbers) {
     plugTamar();
@@ -25,8 +35,9 @@ TEST_F(Tool, ListsTheLightsWithTheirUsbSerialNumbers) {
 
 TEST_F(Tool, ShowsAndChangesALight) {
     const auto& light = plugTamar();
-    EXPECT_EQ(run({ORVEXCTL, "set", "1=12"}).status, 0);
-    EXPECT_THAT(light.requests(), ::testing::Contains("ip=120,500,0,500,500,500,500,0"));
+    const Outcome change = run({ORVEXCTL, "set", "1=12%"});
+    EXPECT_EQ(change.status, 0) << change.output;
+    EXPECT_THAT(light.requests(), ::testing::Contains("ip=120,500,500,500,500,500,500,500\r"));
     const Outcome outcome = run({ORVEXCTL, "info"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, HasSubstr("Tamar on /dev/ttyACM0\n"));
@@ -34,7 +45,7 @@ TEST_F(Tool, ShowsAndChangesALight) {
 }
 
 TEST_F(Tool, TellsWhoHoldsAPort) {
-    const auto& light = plugTamar();
+    auto& light = plugTamar();
     open(light);
     const Outcome outcome = run({ORVEXCTL, "doctor"});
     EXPECT_EQ(outcome.status, 5);
@@ -52,13 +63,28 @@ TEST_F(Tool, SeesLightsComeAndGo) {
 }
 
 TEST_F(Tool, EndsWhenTheLightIsUnpluggedDuringACommand) {
-    auto& light =
-        plugTamar(R"({"fault": "late", "delayMs": 60000, "command": "GetSpeakerVolume"})");
+    auto& light = plugTamar();
+    light.addFault(orvex::sim::onCommand("GetSpeakerVolume"),
+                   orvex::sim::delayed(std::chrono::minutes(1)));
     ChildProgram program({ORVEXCTL, "exec", "GetSpeakerVolume"});
-    EXPECT_TRUE(light.awaitRequest("vo?"));
+    EXPECT_TRUE(light.awaitRequest("vo?\r"));
     light.pull();
     EXPECT_THAT(program.finish(), ::testing::Contains(HasSubstr("/dev/ttyACM0")));
     EXPECT_EQ(program.status(), 7);
+}
+
+/// The simulator that users play a light with on their own gadget.
+TEST_F(Tool, PlaysALightOnAGadgetAndGoesOnAfterUnplugging) {
+    orvex_test::Gadget gadget(0, orvex_test::kTamar);
+    ChildProgram simulator(
+        {ORVEX_SIM, "serve", "--device", "Tamar,serial=TA-9", "--tty", gadget.deviceSide()});
+    EXPECT_THAT(simulator.linesUntil("Tamar at " + gadget.deviceSide()), ElementsAre());
+    const std::uint64_t handle = openAfter(gadget);
+    EXPECT_EQ(reply(handle, "GetUnitSerialNumber"), "TA-9\r");
+    EXPECT_EQ(reply(handle, "SetSpeakerVolume", "33"), "\r");
+    gadget.unplug();
+    EXPECT_EQ(reply(openAfter(gadget), "GetSpeakerVolume"), "33\r");
+    gadget.pull();
 }
 
 }  // namespace

@@ -6,21 +6,31 @@
 
 namespace {
 
+using namespace std::chrono_literals;
+
+using orvex::sim::delayed;
+using orvex::sim::onCommand;
 using orvex_test::kAtOnce;
 using orvex_test::timeTaken;
 using orvex_test::UsbLight;
+using ::testing::AnyOf;
 using ::testing::IsEmpty;
 using ::testing::Le;
 using ::testing::Lt;
 
 class Unplugging : public orvex_test::UsbLights {
   protected:
-    /// Starts a call, waits until the light has got its request so often, and pulls the light.
+    /// Starts a call, waits until the light has got its request, and pulls the light.
     /// @return what the call returned, after at most three reads that ended with nothing
     template <typename Call>
-    auto pullDuring(UsbLight& light, const std::string& request, long times, Call call) {
+    auto pullDuring(UsbLight& light, const std::string& request, Call call) {
         auto result = std::async(std::launch::async, call);
-        EXPECT_TRUE(light.awaitRequest(request, times));
+        EXPECT_TRUE(light.awaitRequest(request));
+        return pullAndWait(light, result);
+    }
+
+    template <typename Result>
+    auto pullAndWait(UsbLight& light, std::future<Result>& result) {
         const long before = emptyReads();
         light.pull();
         EXPECT_THAT(timeTaken([&] { result.wait(); }), Lt(kAtOnce));
@@ -30,7 +40,7 @@ class Unplugging : public orvex_test::UsbLights {
 
     /// The light's handle is unknown after the next scan.
     void expectForgotten(std::uint64_t handle) {
-        EXPECT_TRUE(orvex_test::waitUntil([] { return scan().empty(); }));
+        EXPECT_TRUE(orvex_test::waitForSystem([] { return scan().empty(); }));
         EXPECT_EQ(reply(handle, "GetSoftwareVersion"), "a0515007");
         EXPECT_EQ(ORVEX_OpenDeviceEx(handle), ORVEX_ERR_INVALID_HANDLE);
     }
@@ -52,7 +62,7 @@ TEST_F(Unplugging, MakesEveryExchangeFailAtOnce) {
     });
     EXPECT_THAT(taken, Lt(kAtOnce));
     EXPECT_EQ(emptyReads(), 0);
-    EXPECT_EQ(light.requests().back(), "sn?");
+    EXPECT_THAT(light.requests(), IsEmpty());
 }
 
 TEST_F(Unplugging, LeavesTheCallsThatSendNothingAsTheyWere) {
@@ -96,10 +106,10 @@ TEST_F(Unplugging, BetweenScanAndOpenMeansNoDevice) {
 }
 
 TEST_F(Unplugging, EndsACommandThatWaitsForItsReply) {
-    UsbLight& light =
-        plugTamar(R"({"fault": "late", "delayMs": 60000, "command": "GetTemperature", "nth": 2})");
+    UsbLight& light = plugTamar();
     const std::uint64_t handle = open(light);
-    EXPECT_EQ(pullDuring(light, "gt?", 2, [&] { return reply(handle, "GetTemperature"); }),
+    light.addFault(onCommand("GetTemperature"), delayed(60s));
+    EXPECT_EQ(pullDuring(light, "gt?\r", [&] { return reply(handle, "GetTemperature"); }),
               "a0515019");
     EXPECT_EQ(reply(handle, "GetTemperature"), "80515003");
     ORVEX_CloseDevice(handle);
@@ -107,17 +117,19 @@ TEST_F(Unplugging, EndsACommandThatWaitsForItsReply) {
 }
 
 TEST_F(Unplugging, EndsACommandInTheMidstOfItsReply) {
-    UsbLight& light =
-        plugTamar(R"({"fault": "slow", "bytePauseMs": 300, "command": "GetNameLED", "nth": 2})");
+    UsbLight& light = plugTamar();
     const std::uint64_t handle = open(light);
-    const auto call = [&] { return reply(handle, "GetNameLED"); };
-    EXPECT_EQ(pullDuring(light, "ln?", 2, call), "a0515019");
+    light.addFault(onCommand("GetNameLED"), orvex::sim::slowly(300ms));
+    auto result = std::async(std::launch::async, [&] { return reply(handle, "GetNameLED"); });
+    EXPECT_TRUE(light.awaitSent(3));
+    EXPECT_EQ(pullAndWait(light, result), "a0515019");
 }
 
 TEST_F(Unplugging, EndsAnOpen) {
-    UsbLight& light = plugTamar(R"({"fault": "late", "delayMs": 60000, "command": "GetNameLED"})");
+    UsbLight& light = plugTamar();
     const std::uint64_t handle = handleAt(light.port());
-    EXPECT_EQ(pullDuring(light, "ln?", 1, [&] { return ORVEX_OpenDeviceEx(handle); }),
+    light.addFault(onCommand("GetNameLED"), delayed(60s));
+    EXPECT_EQ(pullDuring(light, "ln?\r", [&] { return ORVEX_OpenDeviceEx(handle); }),
               ORVEX_ERR_RECV);
     std::uint32_t opened = 1;
     EXPECT_EQ(ORVEX_GetDeviceInfo(handle, nullptr, nullptr, 0, &opened), ORVEX_OK);
@@ -126,26 +138,26 @@ TEST_F(Unplugging, EndsAnOpen) {
 }
 
 TEST_F(Unplugging, EndsAClose) {
-    UsbLight& light = plugTamar(R"({"fault": "late", "delayMs": 60000, "command": "Disconnect"})");
+    UsbLight& light = plugTamar();
     const std::uint64_t handle = open(light);
+    light.addFault(onCommand("Disconnect"), delayed(60s));
     const auto call = [&] {
         ORVEX_CloseDevice(handle);
         return true;
     };
-    EXPECT_TRUE(pullDuring(light, "dc", 1, call));
+    EXPECT_TRUE(pullDuring(light, "dc\r", call));
     expectForgotten(handle);
 }
 
 TEST_F(Unplugging, EndsTheWaitForAGroup) {
-    UsbLight& light = plugTamar(R"({"fault": "reply", "bytes": "0,0,0,0,0,0,0,0\r",
-                                    "command": "GetUnitStatus", "from": 2})");
+    UsbLight& light = plugTamar();
     const std::uint64_t handle = open(light);
+    light.addFault(onCommand("GetUnitStatus"), orvex::sim::scripted("0,0,0,0,0,0,0,0\r"));
     OrvexStruct state = record(handle);
     state.aChannels[4].iState = 1;
-    const std::uint32_t status =
-        pullDuring(light, "us?", 4, [&] { return ORVEX_SetOVStruct(handle, &state); });
-    EXPECT_TRUE(status == ORVEX_ERR_IO || status == ORVEX_ERR_RECV || status == ORVEX_ERR_SEND)
-        << std::hex << status;
+    const auto call = [&] { return ORVEX_SetOVStruct(handle, &state); };
+    EXPECT_THAT(pullDuring(light, "us?\r", call),
+                AnyOf(ORVEX_ERR_IO, ORVEX_ERR_RECV, ORVEX_ERR_SEND));
 }
 
 /// Such a light also keeps a close waiting, for half a minute, until what was written is dropped.
@@ -154,7 +166,7 @@ TEST_F(Unplugging, EndsTheOpenOfALightThatTakesNoBytes) {
     gadget.plug();
     const std::uint64_t handle = handleAt(gadget.port());
     auto result = std::async(std::launch::async, [&] { return ORVEX_OpenDeviceEx(handle); });
-    EXPECT_EQ(result.wait_for(std::chrono::seconds(4)), std::future_status::timeout);
+    EXPECT_EQ(result.wait_for(4s), std::future_status::timeout);
     gadget.pull();
     EXPECT_THAT(timeTaken([&] { result.wait(); }), Lt(kAtOnce));
     EXPECT_EQ(result.get(), ORVEX_ERR_RECV);

@@ -1,94 +1,65 @@
 #include "tests/vm/usb_lights.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
-#include <fstream>
 #include <sstream>
-#include <stdexcept>
 
 namespace orvex_test {
 
 namespace {
 
 constexpr std::uint32_t kSlots = 8;
-const std::string kEnd = "\\r";
-
-bool has(const std::vector<std::string>& lines, const std::string& line, long times) {
-    return std::count(lines.begin(), lines.end(), line) >= times;
-}
 
 }  // namespace
 
-UsbLight::UsbLight(unsigned bus, const UsbIdentity& identity, const SimulatedLight& light)
-    : gadget_(bus, identity), simulator_(std::make_unique<ChildProgram>(command(light))) {
-    const std::string announcement = light.model + " at " + gadget_.deviceSide();
-    for (const std::string& complaint : simulator_->linesUntil(announcement)) {
-        throw std::runtime_error(complaint);
-    }
+bool UsbLight::awaitRequest(const std::string& request) const {
+    return waitUntil([&] {
+        const std::vector<std::string> sofar = requests();
+        return std::find(sofar.begin(), sofar.end(), request) != sofar.end();
+    });
 }
 
-std::vector<std::string> UsbLight::command(const SimulatedLight& light) const {
-    const std::string scenario = directory_.file("scenario.json");
-    std::ofstream(scenario) << R"({"devices": [{"model": ")" << light.model << R"(", "serial": ")"
-                            << light.serial << R"("}], "timeline": [)" << light.timeline << "]}";
-    return {
-        ORVEX_SIM,    "serve", "--tty", gadget_.deviceSide(), "--trace", directory_.file("trace"),
-        "--scenario", scenario};
+bool UsbLight::awaitSent(std::size_t bytes) const {
+    const std::size_t before = device_.sent();
+    return waitUntil([&] { return device_.sent() >= before + bytes; });
 }
 
-std::vector<std::string> UsbLight::requests() const {
-    return said('>');
-}
-
-bool UsbLight::awaitRequest(const std::string& request, long times) const {
-    return waitUntil([&] { return has(said('>'), request, times); });
-}
-
-bool UsbLight::awaitReply(const std::string& reply) const {
-    return waitUntil([&] { return has(said('<'), reply, 1); });
-}
-
-/// One side's lines of the trace: "    0.785677 1 > ip=250,500,500\r".
-std::vector<std::string> UsbLight::said(char side) const {
-    std::vector<std::string> lines;
-    std::istringstream trace(contentsOf(directory_.path() / "trace"));
-    for (std::string line; std::getline(trace, line);) {
-        std::istringstream words(line);
-        std::string time;
-        std::string number;
-        std::string mark;
-        std::string bytes;
-        words >> time >> number >> mark >> std::ws;
-        std::getline(words, bytes);
-        if (mark == std::string(1, side)) {
-            const std::size_t end = bytes.rfind(kEnd);
-            lines.push_back(bytes.substr(0, end));
-        }
-    }
-    return lines;
+void UsbLight::speak(const std::string& bytes) const {
+    const orvex::sim::Descriptor line(
+        ::open(gadget_.deviceSide().c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK));
+    EXPECT_EQ(::write(line.get(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
 }
 
 UsbLights::~UsbLights() {
     for (const auto& light : lights_) {
         light->pull();
     }
+    for (const auto& light : lights_) {
+        EXPECT_TRUE(waitForSystem([&] { return !isThere(light->port()); }));
+    }
     EXPECT_TRUE(waitUntil([] { return scan().empty(); }));
 }
 
-UsbLight& UsbLights::plugTamar(const std::string& timeline) {
-    UsbLight& light = make(kTamar, {"Tamar", "TA-7", timeline});
+UsbLight& UsbLights::plugTamar() {
+    UsbLight& light = make(kTamar, ORVEX_TYPE_TAMAR, "TA-7");
     light.plug();
     return light;
 }
 
-UsbLight& UsbLights::plugCedar(const std::string& timeline) {
-    UsbLight& light = make(kCedar, {"Cedar", "CE-3", timeline});
+UsbLight& UsbLights::plugCedar() {
+    UsbLight& light = make(kCedar, ORVEX_TYPE_CEDAR, "");
     light.plug();
     return light;
 }
 
-UsbLight& UsbLights::make(const UsbIdentity& identity, const SimulatedLight& light) {
+UsbLight& UsbLights::make(const UsbIdentity& identity, OrvexType model, const std::string& serial) {
     const auto bus = static_cast<unsigned>(lights_.size());
-    lights_.push_back(std::make_unique<UsbLight>(bus, identity, light));
+    orvex::sim::DeviceSetup setup;
+    setup.model = model;
+    setup.serialText = serial;
+    lights_.push_back(std::make_unique<UsbLight>(bus, identity, setup));
     return *lights_.back();
 }
 
@@ -110,9 +81,10 @@ std::uint64_t UsbLights::handleAt(const std::string& port) {
     return 0;
 }
 
-std::uint64_t UsbLights::open(const UsbLight& light) {
+std::uint64_t UsbLights::open(UsbLight& light) {
     const std::uint64_t handle = handleAt(light.port());
     EXPECT_EQ(ORVEX_OpenDeviceEx(handle), ORVEX_OK);
+    light.forgetRequests();
     return handle;
 }
 

@@ -12,10 +12,9 @@
 #include <vector>
 
 #include "include/qtr_orvex.h"
-#include "tests/support/child_program.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/temporary_directory.h"
 #include "tests/support/waiting.h"
+#include "tests/vm/device_side.h"
 #include "tests/vm/gadget.h"
 
 namespace orvex_test {
@@ -27,37 +26,36 @@ inline const UsbIdentity kCedar = {"0x04d8", "0xea02", "Orvex Cedar", ""};
 /// What calls that wait for nothing may take on a busy machine; one that hangs takes longer.
 constexpr auto kAtOnce = std::chrono::seconds(5);
 
-/// What a simulated light is and what befalls it.
-struct SimulatedLight {
-    std::string model;
-    std::string serial;    ///< What it tells when it is asked, whatever its USB device says.
-    std::string timeline;  ///< That of a scenario, without its brackets.
-};
-
 /// A simulated light on a USB device of its own.
 class UsbLight {
   public:
-    UsbLight(unsigned bus, const UsbIdentity& identity, const SimulatedLight& light);
+    UsbLight(unsigned bus, const UsbIdentity& identity, const orvex::sim::DeviceSetup& setup)
+        : gadget_(bus, identity), device_(gadget_.deviceSide(), setup) {}
+    ~UsbLight() { gadget_.pull(); }
 
     void plug() { gadget_.plug(); }
     void unplug() { gadget_.unplug(); }
     void pull() { gadget_.pull(); }
     [[nodiscard]] const std::string& port() const noexcept { return gadget_.port(); }
 
-    /// All requests so far, without their carriage returns.
-    [[nodiscard]] std::vector<std::string> requests() const;
-    /// Waits until a request has reached the light so often.
-    [[nodiscard]] bool awaitRequest(const std::string& request, long times = 1) const;
-    /// Waits until the light has sent a reply.
-    [[nodiscard]] bool awaitReply(const std::string& reply) const;
+    void addFault(const orvex::sim::Trigger& trigger, const orvex::sim::Fault& fault) {
+        device_.conversation().faults().add(trigger, fault);
+    }
+    /// All requests so far, with their carriage returns.
+    [[nodiscard]] std::vector<std::string> requests() const {
+        return device_.conversation().record().requests();
+    }
+    /// Waits until a request has reached the light.
+    [[nodiscard]] bool awaitRequest(const std::string& request) const;
+    /// Waits until the light has sent so many bytes more than now.
+    [[nodiscard]] bool awaitSent(std::size_t bytes) const;
+    /// Makes the light send something without being asked.
+    void speak(const std::string& bytes) const;
+    void forgetRequests() { device_.conversation().record().clear(); }
 
   private:
-    [[nodiscard]] std::vector<std::string> said(char side) const;
-    [[nodiscard]] std::vector<std::string> command(const SimulatedLight& light) const;
-
-    TemporaryDirectory directory_;
     Gadget gadget_;
-    std::unique_ptr<ChildProgram> simulator_;
+    DeviceSide device_;
 };
 
 /// A machine without lights but those that the test plugs in. At the end all are unplugged and the
@@ -67,19 +65,19 @@ class UsbLights : public ::testing::Test {
     UsbLights() = default;
     ~UsbLights() override;
 
-    /// A Tamar, plugged in.
-    UsbLight& plugTamar(const std::string& timeline = "");
+    /// A Tamar with the serial text TA-7, plugged in.
+    UsbLight& plugTamar();
     /// A Cedar, plugged in.
-    UsbLight& plugCedar(const std::string& timeline = "");
+    UsbLight& plugCedar();
     /// A light that is not yet plugged in.
-    UsbLight& make(const UsbIdentity& identity, const SimulatedLight& light);
+    UsbLight& make(const UsbIdentity& identity, OrvexType model, const std::string& serial);
 
     /// The handles of a scan into an empty list.
     static std::vector<std::uint64_t> scan();
     /// The handle of the light at a port; 0 when there is none.
     static std::uint64_t handleAt(const std::string& port);
-    /// Scans and opens.
-    static std::uint64_t open(const UsbLight& light);
+    /// Scans and opens; the light's requests so far are forgotten.
+    static std::uint64_t open(UsbLight& light);
     /// The reply with its carriage return, or the status code in digits.
     static std::string reply(std::uint64_t handle, const char* command,
                              const char* value = nullptr);
