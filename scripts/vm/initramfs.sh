@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # The first files of a virtual machine: enough to find this machine's file system.
 
 # The files of modules and of what they need, in the order of loading: module_files KERNEL MODULE…

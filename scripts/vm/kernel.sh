@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Debian's kernel for a virtual machine, fetched as a package and never installed.
 
 # The parts of the package that are kept: the kernel and the modules that the checks need.

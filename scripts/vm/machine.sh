@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Boots a virtual machine and waits for its end.
 
 readonly up_limit_kvm=10
