@@ -2,6 +2,8 @@
 #include <future>
 #include <thread>
 
+#include "device/light_device.h"
+#include "tests/support/exceptions.h"
 #include "tests/vm/usb_lights.h"
 
 namespace {
@@ -10,6 +12,7 @@ using namespace std::chrono_literals;
 
 using orvex::sim::delayed;
 using orvex::sim::onCommand;
+using orvex_test::failureOf;
 using orvex_test::kAtOnce;
 using orvex_test::timeTaken;
 using orvex_test::UsbLight;
@@ -63,6 +66,27 @@ TEST_F(Unplugging, MakesEveryExchangeFailAtOnce) {
     EXPECT_THAT(taken, Lt(kAtOnce));
     EXPECT_EQ(emptyReads(), 0);
     EXPECT_THAT(light.requests(), IsEmpty());
+}
+
+TEST_F(Unplugging, EndsTheTransfersOfTheDeviceClass) {
+    UsbLight& light = plugTamar();
+    LightDevice device(ORVEX_TYPE_TAMAR, light.port());
+    ASSERT_NE(device.openConnection(9600), nullptr);
+    light.unplug();
+    std::array<char, 4> bytes{};
+    std::size_t received = 1;
+    const auto taken = timeTaken([&] {
+        EXPECT_EQ(failureOf([&] { device.Write("A", 1); }).first, ORVEX_ERR_SEND);
+        EXPECT_EQ(device.Read(bytes.data(), 4, received), 0u);
+        EXPECT_EQ(failureOf([&] { device.Purge(); }).first, ORVEX_ERR_IO);
+        EXPECT_EQ(failureOf([&] { device.ping(); }).first, ORVEX_ERR_IO);
+        EXPECT_EQ(failureOf([&] { device.writeArray(bytes.data(), 4); }).first, ORVEX_ERR_IO);
+        EXPECT_EQ(failureOf([&] { device.readArray(bytes.data(), 4, bytes.data(), 4); }).first,
+                  ORVEX_ERR_IO);
+        EXPECT_EQ(device.closeConnection(false), 0);
+    });
+    EXPECT_THAT(taken, Lt(kAtOnce));
+    EXPECT_EQ(emptyReads(), 1);
 }
 
 TEST_F(Unplugging, LeavesTheCallsThatSendNothingAsTheyWere) {
