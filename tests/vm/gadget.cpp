@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <libudev.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -65,6 +66,7 @@ Gadget::Gadget(unsigned bus, const UsbIdentity& identity)
 
 Gadget::~Gadget() {
     pull();
+    static_cast<void>(awaitGone());
     std::error_code ignored;
     fs::remove(root_ / "configs" / "c.1" / "acm", ignored);
     for (const fs::path& directory :
@@ -80,12 +82,22 @@ void Gadget::plug() {
                       return !port_.empty() && udevKnows(port_);
                   }),
                   "no port of the USB device");
+    struct stat node {};
+    ::stat(port_.c_str(), &node);
+    database_ = "/run/udev/data/c" + std::to_string(major(node.st_rdev)) + ":" +
+                std::to_string(minor(node.st_rdev));
+    requireInTime(isThere(database_), "no " + database_);
 }
 
 void Gadget::unplug() {
     pull();
-    requireInTime(waitForSystem([this] { return !isThere(port_) && !udevKnows(port_); }),
-                  port_ + " stays");
+    requireInTime(awaitGone(), port_ + " stays");
+}
+
+/// A port plugged in before udev has forgotten the old one of its number would seem to be ready.
+bool Gadget::awaitGone() const {
+    return port_.empty() ||
+           waitForSystem([this] { return !isThere(port_) && !isThere(database_); });
 }
 
 /// Another process may have pulled it already.

@@ -34,6 +34,8 @@ class Gadget {
     void unplug();
     /// Unplugs it, if it is plugged in, without waiting.
     void pull();
+    /// Waits until kernel and udev have forgotten the port. @return false when they do not
+    [[nodiscard]] bool awaitGone() const;
 
     /// The port for the device's own program, "/dev/ttyGS0".
     [[nodiscard]] const std::string& deviceSide() const noexcept { return deviceSide_; }
@@ -49,6 +51,7 @@ class Gadget {
     const std::filesystem::path function_;
     std::string deviceSide_;
     std::string port_;
+    std::string database_;  ///< Where udev keeps what it knows of the port.
 };
 
 /// Waits for something that udev or the kernel does. @return false when it does not come

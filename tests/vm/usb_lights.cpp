@@ -37,7 +37,7 @@ UsbLights::~UsbLights() {
         light->pull();
     }
     for (const auto& light : lights_) {
-        EXPECT_TRUE(waitForSystem([&] { return !isThere(light->port()); }));
+        EXPECT_TRUE(light->awaitGone());
     }
     EXPECT_TRUE(waitUntil([] { return scan().empty(); }));
 }

@@ -36,6 +36,7 @@ class UsbLight {
     void plug() { gadget_.plug(); }
     void unplug() { gadget_.unplug(); }
     void pull() { gadget_.pull(); }
+    [[nodiscard]] bool awaitGone() const { return gadget_.awaitGone(); }
     [[nodiscard]] const std::string& port() const noexcept { return gadget_.port(); }
 
     void addFault(const orvex::sim::Trigger& trigger, const orvex::sim::Fault& fault) {
