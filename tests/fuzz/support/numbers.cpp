@@ -74,22 +74,35 @@ std::int32_t timesTen(std::int32_t number) {
     return number < Limits::min() / 10 ? Limits::min() : number * 10;
 }
 
+std::string_view takePiece(std::string_view& text, std::string_view separators) {
+    std::size_t length = 0;
+    while (length < text.size() && separators.find(text[length]) == std::string_view::npos) {
+        ++length;
+    }
+    const std::string_view piece = text.substr(0, length);
+    text.remove_prefix(length < text.size() ? length + 1 : length);
+    return piece;
+}
+
 std::vector<std::string> piecesOf(std::string_view text, std::string_view separators) {
-    std::vector<std::string> pieces(1);
-    for (const char c : text) {
-        if (separators.find(c) != std::string_view::npos) {
-            pieces.emplace_back();
-        } else {
-            pieces.back() += c;
-        }
+    std::vector<std::string> pieces;
+    bool isLast = false;
+    while (!isLast) {
+        const std::size_t before = text.size();
+        pieces.emplace_back(takePiece(text, separators));
+        isLast = pieces.back().size() == before;
     }
     return pieces;
 }
 
 std::vector<std::int32_t> decimalsIn(std::string_view text) {
     std::vector<std::int32_t> numbers;
-    for (const std::string& piece : piecesOf(text, ",")) {
+    bool isLast = false;
+    while (!isLast) {
+        const std::size_t before = text.size();
+        const std::string_view piece = takePiece(text, ",");
         numbers.push_back(decimalAt(piece));
+        isLast = piece.size() == before;
     }
     return numbers;
 }

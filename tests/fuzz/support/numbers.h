@@ -17,6 +17,8 @@ namespace orvex_fuzz {
 [[nodiscard]] std::uint64_t hexadecimalAt(std::string_view text);
 /// A number times ten, held within 32 bits.
 [[nodiscard]] std::int32_t timesTen(std::int32_t number);
+/// Takes the text up to the next separator, and the separator, from a text's start.
+[[nodiscard]] std::string_view takePiece(std::string_view& text, std::string_view separators);
 /// The texts between separators.
 [[nodiscard]] std::vector<std::string> piecesOf(std::string_view text, std::string_view separators);
 /// The decimal numbers of the texts between commas.
