@@ -177,7 +177,6 @@ int FakePort::setAttributes(int descriptor, const termios& settings) {
 using orvex_fuzz::current;
 
 // The linker's names for the wrapped calls and for what they wrap.
-// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 
 int __real_open(const char* path, int flags, ...);
@@ -254,4 +253,3 @@ int __wrap_nanosleep(const timespec* asked, timespec* remaining) {
 }
 
 }  // extern "C"
-// NOLINTEND(bugprone-reserved-identifier)

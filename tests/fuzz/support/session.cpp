@@ -134,6 +134,8 @@ void Session::close() {
     holds(!port_.isOpen(), "the last close releases the port");
     holds(port_.faults().setAttributes || port_.isRestored(), "the port is left as it was");
     last_ = 0;
+    isSwitching_ = false;
+    isSwitchedOn_ = false;
     soundRecordOf(handle_);
 }
 

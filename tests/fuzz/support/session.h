@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/fuzz/support/devices.h"
+#include "tests/fuzz/support/expected_write.h"
 
 namespace orvex_fuzz {
 
@@ -45,8 +46,9 @@ class Session {
     [[nodiscard]] Exchanges exchangesOfCall() const;
     [[nodiscard]] std::uint32_t expectedStatus(const Command& command) const;
     [[nodiscard]] OrvexStruct recordFrom(std::string_view text, const OrvexStruct& before) const;
-    void requireWriteRequests(const OrvexStruct& record, bool hasNewIntensity,
-                              bool hasNewState) const;
+    void requireWriteRequests(const WrittenRecord& written) const;
+    void requireAllSent(const WrittenRecord& written) const;
+    [[nodiscard]] bool hasSent(const char* command) const;
     void requireIntensities(const std::string& request, const OrvexStruct& record) const;
     void requirePositions(const std::string& request, const OrvexStruct& record, bool on) const;
     void requireOutcome(std::uint32_t status) const;
@@ -60,6 +62,8 @@ class Session {
     int last_ = 0;                ///< The number of positions.
     std::size_t before_ = 0;      ///< Exchanges before the present call.
     std::uint32_t count_ = 0;     ///< How often the device is open.
+    bool isSwitching_ = false;    ///< Switching is enabled.
+    bool isSwitchedOn_ = false;
 };
 
 }  // namespace orvex_fuzz

@@ -3,7 +3,6 @@
 
 #include "tests/fuzz/support/expected_opening.h"
 #include "tests/fuzz/support/expected_reply.h"
-#include "tests/fuzz/support/expected_write.h"
 #include "tests/fuzz/support/numbers.h"
 #include "tests/fuzz/support/properties.h"
 #include "tests/fuzz/support/session.h"
@@ -59,9 +58,10 @@ void Session::write(std::string_view text) {
     }
     const WrittenRecord expected = expectedWrite(before, record);
     requireSameRecord(after, expected.record);
-    requireWriteRequests(after, expected.hasNewIntensity, expected.hasNewState);
+    requireWriteRequests(expected);
     requireOutcome(status);
     if (status == ORVEX_OK) {
+        requireAllSent(expected);
         requireSettled(after);
     }
 }
@@ -77,10 +77,10 @@ void Session::writeShort(std::string_view text) const {
 }
 
 /// The requests of a write: intensities, then what is off, then what is on, then the polls.
-void Session::requireWriteRequests(const OrvexStruct& record, bool hasNewIntensity,
-                                   bool hasNewState) const {
+void Session::requireWriteRequests(const WrittenRecord& written) const {
     const Exchanges sent = exchangesOfCall();
-    holds(hasNewIntensity || hasNewState || sent.empty(), "what has not changed is not sent");
+    holds(written.hasNewIntensity || written.hasNewState || sent.empty(),
+          "what has not changed is not sent");
     const std::string* const set = requestPrefix(model_, "SetIntensity");
     const std::string* const off = requestPrefix(model_, "TurnLedOff");
     const std::string* const on = requestPrefix(model_, "TurnLedOn");
@@ -89,19 +89,44 @@ void Session::requireWriteRequests(const OrvexStruct& record, bool hasNewIntensi
         return next < sent.size() && prefix != nullptr &&
                sent[next].request.compare(0, prefix->size(), *prefix) == 0;
     };
-    if (hasNewIntensity && isNext(set)) {
-        requireIntensities(sent[next++].request, record);
+    if (written.hasNewIntensity && isNext(set)) {
+        requireIntensities(sent[next++].request, written.record);
     }
-    if (hasNewState && isNext(off)) {
-        requirePositions(sent[next++].request, record, false);
+    if (written.hasNewState && isNext(off)) {
+        requirePositions(sent[next++].request, written.record, false);
     }
-    if (hasNewState && isNext(on)) {
-        requirePositions(sent[next++].request, record, true);
+    if (written.hasNewState && isNext(on)) {
+        requirePositions(sent[next++].request, written.record, true);
     }
     for (; next < sent.size(); ++next) {
         const bool isUnsent = sent[next].fault == Exchange::Fault::Purge;
         holds(sent[next].request == (isUnsent ? "" : "us?\r"), "only the unit's status is polled");
     }
+}
+
+bool Session::hasSent(const char* command) const {
+    const std::string* const prefix = requestPrefix(model_, command);
+    const Exchanges sent = exchangesOfCall();
+    return std::any_of(sent.begin(), sent.end(), [prefix](const Exchange& exchange) {
+        return prefix != nullptr && exchange.request.compare(0, prefix->size(), *prefix) == 0;
+    });
+}
+
+/// Nothing is left out of a write that succeeds.
+void Session::requireAllSent(const WrittenRecord& written) const {
+    holds(!written.hasNewIntensity || hasSent("SetIntensity"), "new intensities are sent");
+    if (!written.hasNewState || last_ == 0) {  // A device once closed has no positions any more.
+        return;
+    }
+    const auto* const channels = written.record.aChannels;
+    const bool anyOn = std::any_of(channels, channels + positions_.size(), isOn);
+    const bool anyOff = !std::all_of(channels, channels + positions_.size(), isOn);
+    holds(!anyOff || hasSent("TurnLedOff"), "what is off is sent");
+    const bool isOff = isSwitching_ && !isSwitchedOn_;
+    holds(!isOff || !hasSent("TurnLedOn"), "a light that is switched off stays off");
+    holds(!anyOn || isOff || hasSent("TurnLedOn"), "what is on is sent");
+    holds(!written.hasNewSelection || isOff || hasSent("GetUnitStatus"),
+          "a group's new selection is awaited");
 }
 
 void Session::requireIntensities(const std::string& request, const OrvexStruct& record) const {
@@ -171,6 +196,8 @@ void Session::switchLight(std::string_view text) {
     requireKnownStatus(status);
     requireOutcome(status);
     requireSameRecord(soundRecordOf(handle_), before);
+    isSwitching_ = enable;
+    isSwitchedOn_ = enable && status == ORVEX_OK ? on : isSwitchedOn_;
     const Exchanges sent = exchangesOfCall();
     if (!enable) {
         holds(status == ORVEX_OK && sent.empty(), "what is not enabled sends nothing");
