@@ -60,6 +60,19 @@ bool FakePort::isRestored() const noexcept {
     return std::memcmp(&settings_, &settingsBefore_, sizeof settings_) == 0;
 }
 
+std::size_t FakePort::comingReplySize() const noexcept {
+    Script script = *script_;
+    Reply reply(script.nextReply().value_or("\\-"));
+    std::size_t size = 0;
+    for (Answer answer = reply.next(); answer.kind == Answer::Kind::Byte; answer = reply.next()) {
+        ++size;
+        if (answer.byte == '\r') {
+            break;
+        }
+    }
+    return size;
+}
+
 int FakePort::open() {
     holds(!isOpen_, "a port is opened once at a time");
     if (faults_.open) {

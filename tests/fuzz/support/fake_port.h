@@ -70,6 +70,8 @@ class FakePort {
     [[nodiscard]] bool isOpen() const noexcept { return isOpen_; }
     /// Whether the settings are those that the port had before it was opened.
     [[nodiscard]] bool isRestored() const noexcept;
+    /// How many bytes the device will answer to the next request, its carriage return included.
+    [[nodiscard]] std::size_t comingReplySize() const noexcept;
     /// The exchanges from a number on; until the next one begins.
     [[nodiscard]] Exchanges exchangesFrom(std::size_t number) const noexcept {
         return {exchanges, number};

@@ -43,6 +43,10 @@ void Session::perform(std::string_view step) {
             }
             return execute(command);
         }
+        case 'y':
+            command.size = static_cast<std::uint32_t>(port_.comingReplySize()) + command.size % 4;
+            command.size -= command.size != 0 ? 1 : 0;
+            return execute(command);
         case 'x':
             return execute(command);
         case 'n':

@@ -18,11 +18,13 @@ class Session {
 
     /// Makes the call that a line tells of by its first letter:
     ///
-    /// x<reply_len>:<name>:<value>   a command; X: with the value 64 times; n: null pointers; N: no
-    /// device r<count>,<information>;<intensity>,<state>;…  a record write; R: of a record that
-    /// declares too few bytes s<enable><on>                 switching, each 0 or 1 o, c,
-    /// i<port_len>             open again, close, ask for information
-    /// !<letters>                    no call: faults of the port from now on (support/fake_port.h)
+    /// - x<reply_len>:<name>:<value>: a command; X: with the value 64 times; y: with a reply_len of
+    ///   the reply's length and 1 less to 2 more
+    /// - n, N: null pointers; no device
+    /// - r<count>,<information>;<intensity>,<state>;…: a record write; R: of a record too small
+    /// - s<enable><on>: switching, each 0 or 1
+    /// - o, c, i<port_len>: open again, close, ask for information
+    /// - !<letters>: no call; faults of the port from now on (support/fake_port.h)
     void perform(std::string_view step);
 
   private:
