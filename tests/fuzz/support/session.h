@@ -50,6 +50,7 @@ class Session {
     [[nodiscard]] OrvexStruct recordFrom(std::string_view text, const OrvexStruct& before) const;
     void requireWriteRequests(const WrittenRecord& written) const;
     void requireAllSent(const WrittenRecord& written) const;
+    [[nodiscard]] std::size_t knownChannels() const;
     [[nodiscard]] bool hasSent(const char* command) const;
     void requireIntensities(const std::string& request, const OrvexStruct& record) const;
     void requirePositions(const std::string& request, const OrvexStruct& record, bool on) const;

@@ -76,6 +76,13 @@ void Session::writeShort(std::string_view text) const {
     requireSameRecord(soundRecordOf(handle_), before);
 }
 
+/// How many of the record's channels are at positions of the device. A device that has been closed,
+/// or whose opening failed for too many channels, has a list of LEDs that goes beyond them.
+std::size_t Session::knownChannels() const {
+    const auto beyond = std::upper_bound(positions_.begin(), positions_.end(), last_);
+    return static_cast<std::size_t>(beyond - positions_.begin());
+}
+
 /// The requests of a write: intensities, then what is off, then what is on, then the polls.
 void Session::requireWriteRequests(const WrittenRecord& written) const {
     const Exchanges sent = exchangesOfCall();
@@ -115,7 +122,7 @@ bool Session::hasSent(const char* command) const {
 /// Nothing is left out of a write that succeeds.
 void Session::requireAllSent(const WrittenRecord& written) const {
     holds(!written.hasNewIntensity || hasSent("SetIntensity"), "new intensities are sent");
-    if (!written.hasNewState || last_ == 0) {  // A device once closed has no positions any more.
+    if (!written.hasNewState || knownChannels() != positions_.size()) {
         return;
     }
     const auto* const channels = written.record.aChannels;
@@ -134,7 +141,7 @@ void Session::requireIntensities(const std::string& request, const OrvexStruct& 
     const std::vector<std::string> sent = piecesOf(value, ",");
     holds(value.empty() ? last_ == 0 : sent.size() == static_cast<std::size_t>(last_),
           "all positions' intensities are sent");
-    for (std::size_t k = 0; last_ > 0 && k < positions_.size(); ++k) {
+    for (std::size_t k = 0; k < knownChannels(); ++k) {
         holds(sent[static_cast<std::size_t>(positions_[k]) - 1] ==
                   std::to_string(record.aChannels[k].iIntensity),
               "the record's intensities are sent");
@@ -148,7 +155,7 @@ void Session::requirePositions(const std::string& request, const OrvexStruct& re
     const std::vector<std::int32_t> sent = decimalsIn(value);
     holds(sent.front() >= 1 && sent.back() <= last_, "sent positions exist");
     holds(std::is_sorted(sent.begin(), sent.end()), "sent positions are in order");
-    for (std::size_t k = 0; k < positions_.size(); ++k) {
+    for (std::size_t k = 0; k < knownChannels(); ++k) {
         const bool isSent = std::count(sent.begin(), sent.end(), positions_[k]) == 1;
         holds(isSent == (isOn(record.aChannels[k]) == on), "each LED is sent as what it is");
     }
@@ -179,7 +186,7 @@ void Session::requireSettled(const OrvexStruct& record) const {
         return;
     }
     const std::vector<std::int32_t> states = decimalsIn(sent.back().reply);
-    for (std::size_t k = 0; k < positions_.size(); ++k) {
+    for (std::size_t k = 0; k < knownChannels(); ++k) {
         const auto position = static_cast<std::size_t>(positions_[k]) - 1;
         if (position < states.size()) {
             holds(states[position] == (isOn(record.aChannels[k]) ? 1 : 0),
