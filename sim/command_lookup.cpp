@@ -9,6 +9,17 @@ namespace orvex::sim {
 
 namespace {
 
+/// The length of a command's text without the letters that only stand for its value: 3 for
+/// "ip=wwww,xxxx,yyyy,zzzz" and "ge=x", all of it for "is=1".
+std::size_t lengthWithoutTemplate(std::string_view text) {
+    const std::size_t value = text.find('=') + 1;
+    const bool isTemplate =
+        value != 0 && text.find_first_not_of("wxyz,", value) == std::string_view::npos;
+    return isTemplate ? value : text.size();
+}
+
+}  // namespace
+
 CommandTable commandsOfModel(OrvexType model) {
     if (model > ORVEX_TYPE_WILLOW) {
         throw std::invalid_argument("There is no such model to simulate");
@@ -29,17 +40,6 @@ CommandTable commandsOfModel(OrvexType model) {
     }
     return commands;
 }
-
-/// The length of a command's text without the letters that only stand for its value: 3 for
-/// "ip=wwww,xxxx,yyyy,zzzz" and "ge=x", all of it for "is=1".
-std::size_t lengthWithoutTemplate(std::string_view text) {
-    const std::size_t value = text.find('=') + 1;
-    const bool isTemplate =
-        value != 0 && text.find_first_not_of("wxyz,", value) == std::string_view::npos;
-    return isTemplate ? value : text.size();
-}
-
-}  // namespace
 
 CommandLookup::CommandLookup(OrvexType model) {
     for (const auto& [name, prefix] : commandsOfModel(model)) {

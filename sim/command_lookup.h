@@ -6,9 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "device/models.h"
 #include "include/qtr_orvex.h"
 
 namespace orvex::sim {
+
+/// All commands of a model.
+/// @throws std::invalid_argument when there is no such model
+[[nodiscard]] CommandTable commandsOfModel(OrvexType model);
 
 /// A request understood. Without names it stands for no command of the model.
 struct Match {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "sim/command_lookup.h"
 #include "tests/transcripts/values.h"
 
 namespace orvex_test {
@@ -212,27 +213,9 @@ void append(std::vector<Scene>& scenes, std::vector<Scene> more) {
 
 }  // namespace
 
-CommandTable commandTable(OrvexType model) {
-    switch (model) {
-        case ORVEX_TYPE_SPRUCE:
-            return gl_cmd_spruce;
-        case ORVEX_TYPE_TAMAR:
-            return gl_cmd_tamar;
-        case ORVEX_TYPE_WILLOW:
-            return gl_cmd_willow;
-        default:
-            break;
-    }
-    CommandTable table = gl_cmd_lamp;
-    if (model != ORVEX_TYPE_ALDER) {
-        table.insert(gl_cmd_lamp_ext.begin(), gl_cmd_lamp_ext.end());
-    }
-    return table;
-}
-
 std::vector<Scene> scenesOf(OrvexType model) {
     std::vector<Scene> scenes = lifeScenes();
-    for (const auto& [name, prefix] : commandTable(model)) {
+    for (const auto& [name, prefix] : orvex::sim::commandsOfModel(model)) {
         scenes.push_back(commandScene(model, name));
     }
     append(scenes, recordScenes());

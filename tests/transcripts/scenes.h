@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "device/models.h"
+#include "include/qtr_orvex.h"
 #include "tests/transcripts/taped_light.h"
 
 namespace orvex_test {
@@ -20,9 +20,6 @@ struct Scene {
 
 /// How the title of a command's section begins.
 constexpr const char* kCommandTitle = "command ";
-
-/// A model's commands as the library's tables have them.
-[[nodiscard]] CommandTable commandTable(OrvexType model);
 
 /// The sections of a model's transcript, in order.
 [[nodiscard]] std::vector<Scene> scenesOf(OrvexType model);

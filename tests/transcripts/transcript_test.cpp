@@ -6,11 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "sim/command_lookup.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/transcripts/scenes.h"
 #include "tests/transcripts/transcript.h"
 
-using orvex_test::commandTable;
+using orvex::sim::commandsOfModel;
 using orvex_test::contentsOf;
 using orvex_test::kCommandTitle;
 using orvex_test::modelName;
@@ -99,7 +100,7 @@ TEST_P(Transcript, IsAsReviewed) {
 
 TEST_P(Transcript, HasEveryCommandOfTheTableAndNoOther) {
     const Lines told = commandsIn(reviewed);
-    const CommandTable table = commandTable(GetParam());
+    const CommandTable table = commandsOfModel(GetParam());
     for (const auto& [name, prefix] : table) {
         EXPECT_THAT(told, Contains(name).Times(1)) << path << ": no section of its own\n"
                                                    << kAdvice;
