@@ -238,6 +238,13 @@ TEST_F(ScanDevices, ClearsWhatIsNoHandle) {
             "h_list."));
 }
 
+TEST_F(ScanDevices, TellsWhatIsNoHandleAsInformation) {
+    log.restart(0x2);
+    std::vector<std::uint64_t> array = {1, kCanary};
+    EXPECT_EQ(scanInto(array, 1), 0u);
+    EXPECT_THAT(log.take(), ElementsAre("updateDeviceList: no Orvex devices found.", notFound(1)));
+}
+
 TEST_F(ScanDevices, ReusesASlotThatItHasCleared) {
     attach(ORVEX_TYPE_TAMAR);
     std::vector<std::uint64_t> array = {1, 2};

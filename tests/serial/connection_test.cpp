@@ -40,6 +40,19 @@ TEST(SerialLink, ConnectsInAProcessWithoutStandardInput) {
     EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), -1);
 }
 
+TEST(SerialLink, KeepsOffTheDescriptorOfAClosedStandardError) {
+    const PseudoTerminal port;
+    SerialLink link(0);
+    const int kept = ::dup(STDERR_FILENO);
+    ::close(STDERR_FILENO);
+    const unsigned status = link.connect(port.path(), 9600);
+    const bool isFree = ::fcntl(STDERR_FILENO, F_GETFD) == -1;
+    ::dup2(kept, STDERR_FILENO);
+    ::close(kept);
+    EXPECT_EQ(status, 0u);
+    EXPECT_TRUE(isFree);
+}
+
 TEST(SerialLink, BeginsDisconnected) {
     const LogCapture log;
     {
