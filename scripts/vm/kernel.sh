@@ -18,22 +18,29 @@ kernel_package() {
     apt-cache depends linux-image-amd64 2>/dev/null | sed -n 's/ *Depends: \(linux-image-.*\)/\1/p'
 }
 
-# Fetches the kernel unless it is there: fetch_kernel DIRECTORY
-fetch_kernel() {
-    local directory=$1 package fetched
-    [ -f "$directory/kernel/complete" ] && return
+# Downloads the package into a directory: download_kernel DIRECTORY
+download_kernel() {
+    local directory=$1 package
     package=$(kernel_package)
-    if [ -z "$package" ] && [ "$(id -u)" -eq 0 ]; then
-        apt-get update >/dev/null 2>&1 || true
-        package=$(kernel_package)
-    fi
     [ -n "$package" ] || return 1
     echo "Fetching $package"
-    rm -rf "$directory/kernel" "$directory/fetched"
-    mkdir -p "$directory/fetched"
-    (cd "$directory/fetched" && apt-get download "$package" >/dev/null 2>&1) || return 1
-    fetched=$(echo "$directory"/fetched/*.deb)
-    unpack_kernel "$fetched" "$directory/kernel" || return 1
+    rm -rf "$directory"
+    mkdir -p "$directory"
+    (cd "$directory" && apt-get download "$package" >/dev/null 2>&1)
+}
+
+# Fetches the kernel unless it is there: fetch_kernel DIRECTORY
+fetch_kernel() {
+    local directory=$1
+    [ -f "$directory/kernel/complete" ] && return
+    if ! download_kernel "$directory/fetched"; then
+        # The lists of packages are missing or too old.
+        [ "$(id -u)" -eq 0 ] || return 1
+        apt-get update >/dev/null 2>&1 || true
+        download_kernel "$directory/fetched" || return 1
+    fi
+    rm -rf "$directory/kernel"
+    unpack_kernel "$(echo "$directory"/fetched/*.deb)" "$directory/kernel" || return 1
     rm -r "$directory/fetched"
 }
 
