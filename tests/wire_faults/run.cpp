@@ -162,7 +162,8 @@ void Run::checkRequests() {
         const std::size_t met = std::min<std::size_t>(injection_->exchange, exchanges.size());
         const bool isMet = met == injection_->exchange;
         faulty_ = isMet ? (injection_->forEver ? exchanges.size() - met + 1 : 1) : 0;
-        requests = withoutRepetitions({exchanges.begin(), exchanges.begin() + met});
+        requests = withoutRepetitions(
+            {exchanges.begin(), exchanges.begin() + static_cast<std::ptrdiff_t>(met)});
         expected.resize(std::min(requests.size(), expected.size()));
         if (!isMet) {
             complain("the whole", "the fault was not met");
