@@ -1,6 +1,6 @@
 #include "tests/soak/heap.h"
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef ORVEX_UNDER_SANITIZER
 // A sanitizer watches the operators itself, and counts.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 

@@ -12,7 +12,7 @@ namespace orvex_soak {
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef ORVEX_UNDER_SANITIZER
 // Sanitizers keep what was freed.
 constexpr bool kFreedIsGone = false;
 #else
