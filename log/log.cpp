@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <limits>
 #include <new>
-#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -36,32 +35,51 @@ void logFormatted(unsigned level, const char* text, std::va_list arguments) {
     }
 }
 
-}  // namespace
-
-void buildLogMessage(std::ostream& out, unsigned level) {
-    if ((gl_log_bits & LOG_BIT_TIMESTAMP) != 0) {
-        out << "[" << orvex::localTime() << "] ";
+/// Passes on what precedes a message, piece by piece.
+template <typename Take>
+void eachPrefix(unsigned level, const Take& take) {
+    if (orvex::isLogged(LOG_BIT_TIMESTAMP)) {
+        take("[");
+        take(orvex::localTime());
+        take("] ");
     }
     if ((level & LOG_BIT_ERROR) != 0) {
-        out << "Error: ";
+        take("Error: ");
     }
     if ((level & LOG_BIT_WARNING) != 0) {
-        out << "Warning: ";
+        take("Warning: ");
     }
 }
 
-void log(unsigned level, const std::string& message) {
-    if ((gl_log_bits & level) == 0) {
-        return;
-    }
+/// Apart from log(), which without it needs no frame of its own for the test of the mask.
+__attribute__((noinline)) void logEnabled(unsigned level, const std::string& message) {
+    const bool isError = (level & LOG_BIT_ERROR) != 0;
     try {
-        std::ostringstream line;
-        buildLogMessage(line, level);
-        line << message;
-        if (line) {
-            orvex::sendToSink(line.str(), (level & LOG_BIT_ERROR) != 0);
+        const std::string prefix = orvex::logPrefix(level);
+        if (prefix.empty()) {
+            orvex::sendToSink(message, isError);
+        } else {
+            orvex::sendToSink(prefix + message, isError);
         }
     } catch (const std::bad_alloc&) {  // Lost.
+    }
+}
+
+}  // namespace
+
+void buildLogMessage(std::ostream& out, unsigned level) {
+    eachPrefix(level, [&out](const auto& piece) { out << piece; });
+}
+
+std::string orvex::logPrefix(unsigned level) {
+    std::string prefix;
+    eachPrefix(level, [&prefix](const auto& piece) { prefix += piece; });
+    return prefix;
+}
+
+void log(unsigned level, const std::string& message) {
+    if (orvex::isLogged(level)) {
+        logEnabled(level, message);
     }
 }
 

@@ -1,5 +1,6 @@
 // The log's settings and the exported calls that change them.
 #include "log/log.h"
+#include "log/sinks.h"
 
 // The file names are built before, and destroyed after, everything else in the library: devices
 // that are destroyed when the library is unloaded still log.
@@ -7,9 +8,6 @@
 
 namespace {
 
-std::atomic<std::uint32_t> maskStorage{LOG_BIT_ERROR | LOG_BIT_INFO | LOG_BIT_RESERVED |
-                                       LOG_BIT_SERIAL | LOG_BIT_WARNING | LOG_BIT_DETAIL |
-                                       LOG_BIT_TRAFFIC};
 std::atomic<int> methodStorage{LOG_METHOD_STDOUT};
 ORVEX_OUTLIVES_THE_REST std::string filenameStorage = "./lib_debug.log";
 OrvexLogCallback callbackStorage = nullptr;
@@ -17,7 +15,10 @@ std::mutex lockStorage;
 
 }  // namespace
 
-std::atomic<std::uint32_t>& gl_log_bits = maskStorage;
+std::atomic<std::uint32_t> orvex::logMask{LOG_BIT_ERROR | LOG_BIT_INFO | LOG_BIT_RESERVED |
+                                          LOG_BIT_SERIAL | LOG_BIT_WARNING | LOG_BIT_DETAIL |
+                                          LOG_BIT_TRAFFIC};
+std::atomic<std::uint32_t>& gl_log_bits = orvex::logMask;
 std::atomic<int>& gl_log_method = methodStorage;
 std::string& gl_log_filename = filenameStorage;
 OrvexLogCallback& gl_cb = callbackStorage;

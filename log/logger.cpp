@@ -1,6 +1,5 @@
 #include "log/logger.h"
 
-#include <fstream>
 #include <iostream>
 #include <new>
 
@@ -28,12 +27,7 @@ void Logger::write() {
     if (body.empty()) {
         return;
     }
-    std::ostringstream line;
-    buildLogMessage(line, level_);
-    line << body;
-    if (line) {
-        emit(line.str());
-    }
+    emit(orvex::logPrefix(level_) + body);
 }
 
 std::mutex& Logger::mutex() noexcept {
@@ -71,10 +65,7 @@ void Logger::appendToFile(const std::string& line) {
     if (path.empty()) {
         return;
     }
-    std::ofstream file(path, std::ios::app);
-    if (file.is_open()) {
-        file << line << '\n' << std::flush;
-    }
+    orvex::appendLine(path, line);
 }
 
 void Logger::setLogMethod(int method) {

@@ -1,10 +1,18 @@
 #include "log/sinks.h"
 
+#include <cxxabi.h>
+#include <fcntl.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <ctime>
-#include <fstream>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
+#include <string_view>
 
 #include "log/log.h"
 
@@ -20,8 +28,7 @@ void stdErr(const std::string& message) {
 
 void fileLog(const std::string& message) {
     const std::lock_guard<std::mutex> guard(gl_lock);
-    std::ofstream file(gl_log_filename, std::ios::app);
-    file << message << '\n' << std::flush;
+    orvex::appendLine(gl_log_filename, message);
 }
 
 void callback(const std::string& message) {
@@ -33,9 +40,48 @@ void callback(const std::string& message) {
 
 namespace orvex {
 
+namespace {
+
+constexpr mode_t kReadWrite = 0666;  // The umask takes its part.
+
+}  // namespace
+
 void writeLine(const std::ostream& standard, const std::string& line) {
-    std::ostream out(standard.rdbuf());
-    out << line << '\n' << std::flush;
+    std::streambuf* const buffer = standard.rdbuf();
+    if (buffer == nullptr) {
+        return;
+    }
+    const auto length = static_cast<std::streamsize>(line.size());
+    try {
+        if (buffer->sputn(line.data(), length) == length && buffer->sputc('\n') == '\n') {
+            buffer->pubsync();
+        }
+    } catch (const abi::__forced_unwind&) {
+        throw;       // The thread is being cancelled.
+    } catch (...) {  // Lost, as a stream's own operators lose it.
+    }
+}
+
+void appendLine(const std::string& path, const std::string& line) {
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, kReadWrite);
+    if (file < 0) {
+        return;
+    }
+    std::string_view rest = line;
+    bool isWritten = false;
+    while (!isWritten) {
+        char newline = '\n';
+        const std::array<iovec, 2> pieces{
+            {{const_cast<char*>(rest.data()), rest.size()}, {&newline, 1}}};
+        const ssize_t count = ::writev(file, pieces.data(), pieces.size());
+        if (count < 0 && errno != EINTR) {
+            break;
+        }
+        const auto written = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        isWritten = written > rest.size();
+        rest.remove_prefix(std::min(written, rest.size()));
+    }
+    ::close(file);
 }
 
 void sendToSink(const std::string& line, bool isError) {

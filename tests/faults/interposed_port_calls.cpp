@@ -59,7 +59,7 @@ int open(const char* path, int flags, ...) {
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     if (!isInsideLibrary() || Port::current() == nullptr || Port::current()->path() != path) {
-        return real().open(path, flags, mode);
+        return orvex_faults::openSink(path, flags, mode);
     }
     if (const auto fault = injector().next(Call::Open)) {
         return failed(*fault);
@@ -73,7 +73,7 @@ int open(const char* path, int flags, ...) {
 int close(int descriptor) {
     Port* port = portBehind(descriptor);
     if (port == nullptr) {
-        return real().close(descriptor);
+        return orvex_faults::closeSink(descriptor);
     }
     const auto fault = injector().next(Call::Close, port->history(descriptor));
     const OutsideLibrary test;

@@ -1,4 +1,5 @@
-// The calls with which the C++ library's streams open, write and close files and standard output.
+// The calls that open, write and close log files, and write standard output.
+#include <fcntl.h>
 #include <sys/uio.h>
 
 #include <cerrno>
@@ -18,6 +19,16 @@ using orvex_faults::writtenOutput;
 
 namespace orvex_faults {
 
+namespace {
+
+/// The library's open log file; -1: none is.
+int& openLogFile() {
+    thread_local int descriptor = -1;
+    return descriptor;
+}
+
+}  // namespace
+
 std::string& writtenOutput() {
     static auto& text = *new std::string;
     return text;
@@ -29,6 +40,31 @@ ssize_t writeToSink(int descriptor, const void* bytes, std::size_t size) {
         return -1;
     }
     return real().write(descriptor, bytes, size);
+}
+
+int openSink(const char* path, int flags, mode_t mode) {
+    if ((flags & O_APPEND) == 0) {  // Only log files are appended to.
+        return real().open(path, flags, mode);
+    }
+    if (const auto fault = injector().next(Call::SinkOpen)) {
+        errno = fault->error;
+        return -1;
+    }
+    openLogFile() = real().open(path, flags, mode);
+    return openLogFile();
+}
+
+int closeSink(int descriptor) {
+    if (descriptor < 0 || descriptor != openLogFile()) {
+        return real().close(descriptor);
+    }
+    openLogFile() = -1;
+    const auto fault = injector().next(Call::SinkClose);
+    const int closed = real().close(descriptor);
+    if (fault) {
+        errno = fault->error;
+    }
+    return fault ? -1 : closed;
 }
 
 }  // namespace orvex_faults
@@ -51,19 +87,6 @@ bool fails(Call call) {
 }  // namespace
 
 extern "C" {
-
-std::FILE* fopen64(const char* path, const char* mode) {
-    return fails(Call::SinkOpen) ? nullptr : real().fopen64(path, mode);
-}
-
-int fclose(std::FILE* file) {
-    const bool fail = fails(Call::SinkClose);
-    const int closed = real().fclose(file);
-    if (fail) {
-        errno = EIO;
-    }
-    return fail ? EOF : closed;
-}
 
 ssize_t writev(int descriptor, const iovec* pieces, int count) {
     return fails(Call::SinkWrite) ? -1 : real().writev(descriptor, pieces, count);

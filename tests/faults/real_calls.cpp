@@ -22,8 +22,6 @@ RealCalls findAll() {
     find(calls.tcsetattr, "tcsetattr");
     find(calls.ioctl, "ioctl");
     find(calls.fcntl, "fcntl");
-    find(calls.fopen64, "fopen64");
-    find(calls.fclose, "fclose");
     find(calls.fwrite, "fwrite");
     find(calls.putc, "putc");
     find(calls.fflush, "fflush");

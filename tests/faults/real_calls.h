@@ -21,8 +21,6 @@ struct RealCalls {
     int (*tcsetattr)(int, int, const termios*);
     int (*ioctl)(int, unsigned long, ...);
     int (*fcntl)(int, int, ...);
-    std::FILE* (*fopen64)(const char*, const char*);
-    int (*fclose)(std::FILE*);
     std::size_t (*fwrite)(const void*, std::size_t, std::size_t, std::FILE*);
     int (*putc)(int, std::FILE*);
     int (*fflush)(std::FILE*);
