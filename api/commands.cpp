@@ -1,7 +1,7 @@
 // Exported calls that send commands and exchange state records.
 #include <algorithm>
 #include <cstring>
-#include <string>
+#include <string_view>
 
 #include "api/registry_lookup.h"
 #include "include/qtr_orvex.h"
@@ -12,7 +12,7 @@ constexpr std::size_t kRecordSize = sizeof(OrvexStruct);
 
 /// Copies a reply into the caller's buffer, which holds at least the reply's length: with exactly
 /// that many bytes the last character makes way for the terminator; callers rely on it.
-void copyReply(const std::string& text, char* reply, uint32_t reply_len) {
+void copyReply(std::string_view text, char* reply, uint32_t reply_len) {
     std::memset(reply, 0, reply_len);
     const std::size_t room = reply_len - 1U;
     const std::size_t length = std::min(room, text.size());
@@ -36,9 +36,10 @@ uint32_t ORVEX_ExecuteCommandWithValue(uint64_t handle, const char* command, cha
     if (command == nullptr || reply == nullptr) {
         return ORVEX_ERR_INVALID_ARG;
     }
-    std::string text;
+    LightDevice::ReplyBuffer buffer;
+    std::string_view text;
     try {
-        device->executeCommand(command, text, value != nullptr ? value : "");
+        text = device->command(command, value != nullptr ? value : "", buffer);
     } catch (const DriverException& e) {
         // Programs know this line; it names ORVEX_ExecuteCommand for both calls.
         Logger(LOG_BIT_ERROR) << "ORVEX_ExecuteCommandWithValue"

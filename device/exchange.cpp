@@ -1,5 +1,4 @@
 // A device's exchanges: requests and replies on its serial link.
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstring>
@@ -8,7 +7,7 @@
 
 #include "api/driver_exception.h"
 #include "device/light_device.h"
-#include "log/log.h"
+#include "log/log_line.h"
 
 using namespace std::chrono_literals;
 
@@ -19,45 +18,45 @@ constexpr std::size_t kMaxRequest = 1023;
 constexpr std::size_t kMaxArray = 1024;
 constexpr auto kPingPause = 50ms;
 
-using ReplyBuffer = std::array<char, 1024>;
 using ArrayBuffer = std::array<char, kMaxArray + 1>;
 
-/// A request as it goes on the wire, and the part of it that log lines show.
-struct Request {
-    std::string frame;
-    std::string shown;
-};
-
-Request frameRequest(const std::string& request) {
-    const std::size_t end = request.find(kTerminator);
-    if (end == std::string::npos) {
-        return {request + kTerminator, request};
+/// A request as it goes on the wire.
+class Frame {
+  public:
+    Frame(std::string_view prefix, std::string_view value) {
+        length_ = prefix.copy(bytes_, kMaxRequest);
+        length_ += value.copy(bytes_ + length_, kMaxRequest - length_);
+        shown_ = {bytes_, length_};
+        const std::size_t end = shown_.find(kTerminator);
+        if (end == std::string_view::npos) {
+            bytes_[length_++] = kTerminator;
+        } else {
+            shown_ = shown_.substr(0, end);
+        }
     }
-    return {request, request.substr(0, end)};
-}
+    Frame(const Frame&) = delete;
+    Frame& operator=(const Frame&) = delete;
+
+    [[nodiscard]] std::string_view bytes() const noexcept { return {bytes_, length_}; }
+    /// The part that log lines show.
+    [[nodiscard]] std::string_view shown() const noexcept { return shown_; }
+
+  private:
+    char bytes_[kMaxRequest + 1];
+    std::size_t length_;
+    std::string_view shown_;
+};
 
 bool isErrorReply(std::string_view reply) {
     return reply == "e\r";
 }
 
-/// Reads up to the terminator, byte by byte, so that nothing behind it is consumed.
-std::string_view readReply(SerialLink& link, ReplyBuffer& buffer) {
-    std::size_t length = 0;
-    while (length < buffer.size()) {
-        buffer[length] = link.recvChar();
-        if (buffer[length++] == kTerminator) {
-            break;
-        }
-    }
-    return {buffer.data(), length};
-}
-
 void logReply(std::string_view reply) {
-    std::string shown(reply);
-    if (shown.back() == kTerminator) {
-        shown.back() = '*';
+    const bool isWhole = reply.back() == kTerminator;
+    if (isWhole) {
+        reply.remove_suffix(1);
     }
-    log(LOG_BIT_TRAFFIC, " <-Received [" + shown + "]");
+    orvex::logLine(LOG_BIT_TRAFFIC, " <-Received [", reply, isWhole ? "*]" : "]");
 }
 
 void requireArrayLength(std::size_t length) {
@@ -70,40 +69,50 @@ void requireArrayLength(std::size_t length) {
 
 void LightDevice::executeCommand(const std::string& name, std::string& reply,
                                  const std::string& value) {
+    ReplyBuffer buffer;
+    reply = command(name, value, buffer);
+}
+
+void LightDevice::executeString(const std::string& request, std::string& reply) {
+    ReplyBuffer buffer;
+    reply = exchange(request, {}, buffer);
+}
+
+std::string_view LightDevice::command(const std::string& name, std::string_view value,
+                                      ReplyBuffer& reply) {
     const auto command = commands_.find(name);
     if (command == commands_.end()) {
         orvex::raise("Command <" + name + "> is not supported for type " + std::to_string(type_),
                      ORVEX_ERR_NOT_SUPPORTED);
     }
     // The line names executeString; programs know it so.
-    log(LOG_BIT_INFO, "LightDevice::executeString: " + name);
-    executeString(command->second + value, reply);
+    orvex::logLine(LOG_BIT_INFO, "LightDevice::executeString: ", name);
+    return exchange(command->second, value, reply);
 }
 
-void LightDevice::executeString(const std::string& request, std::string& reply) {
+std::string_view LightDevice::exchange(std::string_view prefix, std::string_view value,
+                                       ReplyBuffer& reply) {
     if (!isConnected()) {
         logerr("LightDevice::executeString: LightDevice is not connected.");
         orvex::raise(ORVEX_ERR_NOT_CONNECTED);
     }
-    if (request.size() > kMaxRequest) {
+    if (prefix.size() + value.size() > kMaxRequest) {
         orvex::raise(ORVEX_ERR_INVALID_ARG);
     }
-    const Request framed = frameRequest(request);
+    const Frame frame(prefix, value);
 
     const Lock lock(mutex_);
     SerialLink& port = link();
-    log(LOG_BIT_TRAFFIC, "Send [" + framed.shown + "*] ->");
-    port.purge();
-    port.sendArray(framed.frame.data(), framed.frame.size());
-    ReplyBuffer buffer{};
-    const std::string_view received = readReply(port, buffer);
+    orvex::logLine(LOG_BIT_TRAFFIC, "Send [", frame.shown(), "*] ->");
+    const std::string_view received(reply,
+                                    port.exchange(frame.bytes(), reply, sizeof reply, kTerminator));
     if (isErrorReply(received)) {
-        orvex::raise("LightDevice::executeString: Command \"" + framed.shown +
+        orvex::raise("LightDevice::executeString: Command \"" + std::string(frame.shown()) +
                          "\" answered with error \"e\\r\"",
                      ORVEX_ERR_IO);
     }
-    reply = received;
     logReply(received);
+    return received;
 }
 
 bool LightDevice::ping() {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "device/models.h"
@@ -73,6 +74,12 @@ class ORVEX_API LightDevice {
     /// @throws DriverException ORVEX_ERR_NOT_CONNECTED; ORVEX_ERR_INVALID_ARG above 1023 bytes;
     ///         ORVEX_ERR_IO for the device's error reply; ORVEX_ERR_SEND; ORVEX_ERR_RECV
     void executeString(const std::string& request, std::string& reply);
+    /// Room for the longest reply.
+    using ReplyBuffer = char[1024];
+    /// executeCommand without a string for the reply.
+    /// @return the reply in @p reply
+    ORVEX_LOCAL std::string_view command(const std::string& name, std::string_view value,
+                                         ReplyBuffer& reply);
     /// Whether the device answers the presence byte "A" with any byte.
     bool ping();
     /// Sends 1 to 1024 raw bytes. @return 0
@@ -116,6 +123,8 @@ class ORVEX_API LightDevice {
     using Lock = std::lock_guard<std::mutex>;
 
     ORVEX_LOCAL SerialLink& link() const;
+    ORVEX_LOCAL std::string_view exchange(std::string_view prefix, std::string_view value,
+                                          ReplyBuffer& reply);
     ORVEX_LOCAL std::string query(const char* name);
     ORVEX_LOCAL bool isLed() const noexcept;
     ORVEX_LOCAL bool knows(const char* name) const;

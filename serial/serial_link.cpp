@@ -109,50 +109,80 @@ std::size_t SerialLink::recvArray(void* buf, std::size_t len) {
     std::size_t got = 0;
     while (got < len) {
         const ssize_t count = ::read(fd_, static_cast<char*>(buf) + got, len - got);
-        if (count == 0) {
-            // A time-out, or the end of a port that is gone: the caller tells by the count.
-            log(LOG_BIT_ERROR, "SerialLink::recvArray: read returned with EOF (0)");
+        if (count <= 0) {
+            noteNothingRead(count);
             break;
-        }
-        if (count < 0) {
-            logSystemError("SerialLink::recvArray:", "read", errno);
-            orvex::raise("SerialLink::recvArray: read.", ORVEX_ERR_RECV);
         }
         got += static_cast<std::size_t>(count);
     }
     return got;
 }
 
+void SerialLink::noteNothingRead(ssize_t count) {
+    if (count == 0) {
+        // A time-out, or the end of a port that is gone: the caller tells by the count.
+        log(LOG_BIT_ERROR, "SerialLink::recvArray: read returned with EOF (0)");
+        return;
+    }
+    logSystemError("SerialLink::recvArray:", "read", errno);
+    orvex::raise("SerialLink::recvArray: read.", ORVEX_ERR_RECV);
+}
+
+// What follows is written so that an exchange in which nothing fails needs few nested calls: after
+// a return from the kernel the processor mispredicts the returns from all of them.
+
 char SerialLink::recvChar() {
     char c = 0;
-    for (int attempt = 0; attempt < kReadAttempts; ++attempt) {
-        const std::size_t got = recvArray(&c, 1);
-        if (got > 1) {
-            log(LOG_BIT_WARNING,
-                "SerialLink::recvChar: returned with len > 1: " + std::to_string(got));
+    recvLine(&c, 1, c);
+    return c;
+}
+
+std::size_t SerialLink::recvLine(char* buf, std::size_t size, char last) {
+    requireHandle("recvArray");
+    std::size_t length = 0;
+    do {
+        const ssize_t count = ::read(fd_, buf + length, 1);
+        if (count != 1) {
+            buf[length] = lateChar(buf[length], count);
         }
-        if (got > 0) {
-            return c;
-        }
+    } while (buf[length++] != last && length < size);
+    return length;
+}
+
+char SerialLink::lateChar(char c, ssize_t count) {
+    for (int attempt = 1; count <= 0; ++attempt) {
+        noteNothingRead(count);
         std::this_thread::sleep_for(kReadPause);
+        if (attempt == kReadAttempts) {
+            // The byte, still 0: programs know the text with this digit at its end.
+            orvex::raise("SerialLink::recvChar: Wrong recv length: 0", ORVEX_ERR_RECV);
+        }
+        count = ::read(fd_, &c, 1);
     }
-    // The byte, still 0: programs know the text with this digit at its end.
-    orvex::raise("SerialLink::recvChar: Wrong recv length: " + std::to_string(c), ORVEX_ERR_RECV);
+    if (count > 1) {
+        log(LOG_BIT_WARNING,
+            "SerialLink::recvChar: returned with len > 1: " + std::to_string(count));
+    }
+    return c;
 }
 
 void SerialLink::sendArray(const void* buf, std::size_t len) {
     requireHandle("sendArray");
     const ssize_t written = ::write(fd_, buf, len);
+    if (written < 0 || static_cast<std::size_t>(written) != len) {
+        failSending(written, len);
+    }
+}
+
+void SerialLink::failSending(ssize_t written, std::size_t len) {
     if (written < 0) {
         logSystemError("SerialLink::sendArray:", "write", errno);
         orvex::raise("SerialLink::sendArray: write.", ORVEX_ERR_SEND);
     }
-    if (static_cast<std::size_t>(written) != len) {
-        clog(LOG_BIT_ERROR, "SerialLink::sendArray: written bytes: %d != requested len: %d",
-             static_cast<int>(written), static_cast<int>(len));
-        orvex::raise("SerialLink::sendArray: Wrong sent length: " + std::to_string(written),
-                     ORVEX_ERR_SEND);
-    }
+    clog(LOG_BIT_ERROR, "SerialLink::sendArray: written bytes: %d != requested len: %d",
+         static_cast<int>(written), static_cast<int>(len));
+    orvex::raise("SerialLink::sendArray: Wrong sent length: " + std::to_string(written),
+                 ORVEX_ERR_SEND);
 }
 
 void SerialLink::sendChar(char c) {
@@ -162,13 +192,27 @@ void SerialLink::sendChar(char c) {
 void SerialLink::purge() {
     requireHandle("purge");
     if (::ioctl(fd_, TCFLSH, TCIOFLUSH) != 0) {
-        logSystemError("SerialLink::purge:", "ioctl", errno);
-        orvex::raise("SerialLink::purge: read.", ORVEX_ERR_IO);
+        failPurging();
     }
+}
+
+void SerialLink::failPurging() {
+    logSystemError("SerialLink::purge:", "ioctl", errno);
+    orvex::raise("SerialLink::purge: read.", ORVEX_ERR_IO);
+}
+
+std::size_t SerialLink::exchange(std::string_view request, char* buf, std::size_t size, char last) {
+    purge();
+    sendArray(request.data(), request.size());
+    return recvLine(buf, size, last);
 }
 
 void SerialLink::requireHandle(const char* operation) const {
     if (fd_ == 0) {
-        orvex::raise(std::string("SerialLink::") + operation + ": no handle.", ORVEX_ERR_NO_HANDLE);
+        failWithoutHandle(operation);
     }
+}
+
+void SerialLink::failWithoutHandle(const char* operation) {
+    orvex::raise(std::string("SerialLink::") + operation + ": no handle.", ORVEX_ERR_NO_HANDLE);
 }

@@ -2,11 +2,13 @@
 /// One serial port.
 #pragma once
 
+#include <sys/types.h>
 #include <termios.h>
 
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "include/qtr_orvex.h"
 #include "log/export.h"
@@ -46,6 +48,13 @@ class ORVEX_API SerialLink {
     /// Reads one byte, in three attempts at most, each followed by 200 ms when it was in vain.
     /// @throws DriverException ORVEX_ERR_RECV
     char recvChar();
+    /// Reads bytes, each as recvChar does, up to @p last, or until the buffer is full.
+    /// @return the number of bytes read
+    /// @throws DriverException ORVEX_ERR_RECV
+    ORVEX_LOCAL std::size_t recvLine(char* buf, std::size_t size, char last);
+    /// purge(), sendArray() and recvLine().
+    ORVEX_LOCAL std::size_t exchange(std::string_view request, char* buf, std::size_t size,
+                                     char last);
     /// Writes all bytes in one call.
     /// @throws DriverException ORVEX_ERR_SEND
     void sendArray(const void* buf, std::size_t len);
@@ -77,6 +86,13 @@ class ORVEX_API SerialLink {
     };
 
     [[nodiscard]] ORVEX_LOCAL unsigned configure(unsigned baud);
+    /// Logs why a read brought nothing. @throws DriverException when it failed
+    ORVEX_LOCAL static void noteNothingRead(ssize_t count);
+    /// The byte, or a later one, after a first read of one byte that ended with @p count.
+    ORVEX_LOCAL char lateChar(char c, ssize_t count);
+    [[noreturn]] ORVEX_LOCAL static void failSending(ssize_t written, std::size_t len);
+    [[noreturn]] ORVEX_LOCAL static void failPurging();
+    [[noreturn]] ORVEX_LOCAL static void failWithoutHandle(const char* operation);
     ORVEX_LOCAL void requireHandle(const char* operation) const;
     [[nodiscard]] ORVEX_LOCAL termios readSettings(const char* operation) const;
     ORVEX_LOCAL void applySettings(const char* operation, const termios& settings) const;
