@@ -38,11 +38,11 @@ Function* real(const char* name) {
 
 struct RealCalls {
     ssize_t (*read)(int, void*, std::size_t) = real<ssize_t(int, void*, std::size_t)>("read");
-    ssize_t (*write)(int, const void*, std::size_t) =
-        real<ssize_t(int, const void*, std::size_t)>("write");
+    ssize_t (*write)(int, const void*,
+                     std::size_t) = real<ssize_t(int, const void*, std::size_t)>("write");
     int (*ioctl)(int, unsigned long, ...) = real<int(int, unsigned long, ...)>("ioctl");
-    int (*nanosleep)(const timespec*, timespec*) =
-        real<int(const timespec*, timespec*)>("nanosleep");
+    int (*nanosleep)(const timespec*,
+                     timespec*) = real<int(const timespec*, timespec*)>("nanosleep");
 };
 
 const RealCalls& realCalls() {
