@@ -165,23 +165,23 @@ TEST_P(AllocationFaults, EndInBadAllocOrALostLine) {
 std::vector<Slice> slices() {
     std::vector<Slice> all;
     for (const bool forEver : {false, true}) {
-        all.push_back({{alder()}, forEver, std::nullopt, 120});
-        all.push_back({{cedar()}, forEver, std::nullopt, 160});
-        all.push_back({{fourLedTamar()}, forEver, std::nullopt, 320});
-        all.push_back({{groupedTamar()}, forEver, std::nullopt, 360});
-        all.push_back({{cedar(), Usage::PulledOut}, forEver, std::nullopt, 120});
-        all.push_back({{cedar(), Usage::Whole, LogTo::Nowhere}, forEver, std::nullopt, 90});
-        all.push_back({{cedar(), Usage::Whole, LogTo::File}, forEver, std::nullopt, 200});
-        all.push_back({{cedar(), Usage::Whole, LogTo::Output}, forEver, std::nullopt, 160});
+        all.push_back({{alder()}, forEver, std::nullopt, 80});
+        all.push_back({{cedar()}, forEver, std::nullopt, 125});
+        all.push_back({{fourLedTamar()}, forEver, std::nullopt, 280});
+        all.push_back({{groupedTamar()}, forEver, std::nullopt, 320});
+        all.push_back({{cedar(), Usage::PulledOut}, forEver, std::nullopt, 100});
+        all.push_back({{cedar(), Usage::Whole, LogTo::Nowhere}, forEver, std::nullopt, 80});
+        all.push_back({{cedar(), Usage::Whole, LogTo::File}, forEver, std::nullopt, 125});
+        all.push_back({{cedar(), Usage::Whole, LogTo::Output}, forEver, std::nullopt, 125});
         for (const Call call : {Call::Open, Call::GetSettings, Call::SetSettings, Call::Discard,
                                 Call::Write, Call::Read, Call::Close}) {
-            all.push_back({{cedar()}, forEver, call, 85});
+            all.push_back({{cedar()}, forEver, call, 75});
         }
-        all.push_back({{cedar()}, forEver, Call::Udev, 10});
+        all.push_back({{cedar()}, forEver, Call::Udev, 5});
         for (const Call call : {Call::Close, Call::SinkWrite}) {
-            all.push_back({{cedar(), Usage::PulledOut, LogTo::File}, forEver, call, 150});
+            all.push_back({{cedar(), Usage::PulledOut, LogTo::File}, forEver, call, 105});
         }
-        all.push_back({{cedar(), Usage::PulledOut}, forEver, Call::Close, 120});
+        all.push_back({{cedar(), Usage::PulledOut}, forEver, Call::Close, 100});
     }
     return all;
 }
