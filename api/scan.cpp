@@ -1,5 +1,6 @@
 // ORVEX_ScanDevices.
 #include <algorithm>
+#include <unordered_set>
 #include <vector>
 
 #include "api/registry_lookup.h"
@@ -9,9 +10,11 @@
 
 namespace {
 
-/// Keeps the handles of devices that are still there, taking them out of @p found, and clears the
-/// slots of all others.
-void keepOrClear(std::uint64_t* slots, std::uint32_t count, std::vector<void*>& found) {
+using Handles = std::unordered_set<void*>;
+
+/// Keeps the handles of devices that are still there, taking them out of @p unlisted, and clears
+/// the slots of all others.
+void keepOrClear(std::uint64_t* slots, std::uint32_t count, Handles& unlisted) {
     for (std::uint64_t* slot = slots; slot != slots + count; ++slot) {
         if (*slot == 0) {
             continue;
@@ -20,10 +23,7 @@ void keepOrClear(std::uint64_t* slots, std::uint32_t count, std::vector<void*>& 
         if (orvex::findDevice(*slot) != nullptr) {
             clog(LOG_BIT_INFO, "ORVEX_ScanDevices: LightDevice <%X> already in h_list.",
                  orvex::lowHandleBits(key));
-            const auto known = std::find(found.begin(), found.end(), key);
-            if (known != found.end()) {
-                found.erase(known);
-            }
+            unlisted.erase(key);
         } else {
             clog(LOG_BIT_INFO,
                  "ORVEX_ScanDevices: LightDevice <%X> not found in gl_devs. Delete from h_list.",
@@ -33,10 +33,14 @@ void keepOrClear(std::uint64_t* slots, std::uint32_t count, std::vector<void*>& 
     }
 }
 
-void fillFreeSlots(std::uint64_t* slots, std::uint32_t count, const std::vector<void*>& found) {
+void fillFreeSlots(std::uint64_t* slots, std::uint32_t count, const std::vector<void*>& found,
+                   const Handles& unlisted) {
     std::uint64_t* const end = slots + count;
     std::uint64_t* slot = slots;
     for (void* key : found) {
+        if (unlisted.count(key) == 0) {
+            continue;
+        }
         slot = std::find(slot, end, std::uint64_t{0});
         if (slot == end) {
             return;
@@ -70,7 +74,8 @@ uint32_t ORVEX_ScanDevices(uint64_t* handles, uint32_t buf_len, uint32_t* size_o
     if (buf_len < found.size()) {
         return ORVEX_ERR_BUFFER_TOO_SMALL;
     }
-    keepOrClear(handles, buf_len, found);
-    fillFreeSlots(handles, buf_len, found);
+    Handles unlisted(found.begin(), found.end());
+    keepOrClear(handles, buf_len, unlisted);
+    fillFreeSlots(handles, buf_len, found, unlisted);
     return ORVEX_OK;
 }

@@ -1,7 +1,7 @@
 #include "discovery/device_list.h"
 
-#include <algorithm>
 #include <string>
+#include <unordered_map>
 
 #include "api/device_registry.h"
 #include "api/driver_exception.h"
@@ -30,11 +30,13 @@ void removeVanished(const Ports& ports) {
     }
 }
 
-LightDevice* registeredAt(const std::string& port) {
-    const auto found = std::find_if(gl_devs.begin(), gl_devs.end(), [&port](const auto& entry) {
-        return entry.second->getComPort() == port;
-    });
-    return found != gl_devs.end() ? found->second.get() : nullptr;
+/// The registered devices by their ports; of several at one port the first.
+std::unordered_map<std::string, LightDevice*> devicesByPort() {
+    std::unordered_map<std::string, LightDevice*> devices;
+    for (const auto& [handle, device] : gl_devs) {
+        devices.emplace(device->getComPort(), device.get());
+    }
+    return devices;
 }
 
 void* registerDevice(OrvexType type, const std::string& port) {
@@ -47,13 +49,15 @@ void* registerDevice(OrvexType type, const std::string& port) {
 }
 
 std::vector<void*> addNew(const Ports& ports) {
+    const auto registered = devicesByPort();
     std::vector<void*> handles;
     for (const auto& [port, type] : ports) {
-        if (LightDevice* device = registeredAt(port); device != nullptr) {
+        if (const auto known = registered.find(port); known != registered.end()) {
+            void* const handle = known->second->hDev();
             clog(LOG_BIT_INFO,
                  "updateDeviceList: LightDevice <%X> already registered at COM port \"%s\"",
-                 orvex::lowHandleBits(device->hDev()), port.c_str());
-            handles.push_back(device->hDev());
+                 orvex::lowHandleBits(handle), port.c_str());
+            handles.push_back(handle);
         } else {
             handles.push_back(registerDevice(type, port));
         }
