@@ -30,6 +30,14 @@ Times now() {
     return {nanoseconds(CLOCK_THREAD_CPUTIME_ID), nanoseconds(CLOCK_MONOTONIC)};
 }
 
+void exclude(const std::function<void()>& run) {
+    const Times start = now();
+    run();
+    const Times end = now();
+    excluded().cpu += end.cpu - start.cpu;
+    excluded().wall += end.wall - start.wall;
+}
+
 Times& excluded() {
     thread_local Times times;
     return times;
@@ -46,13 +54,13 @@ double median(std::vector<double> values) {
     return *middle;
 }
 
-Rounds::Rounds(std::vector<Contestant> contestants, int calls)
+Rounds::Rounds(std::vector<Contestant> contestants, int calls, int rounds)
     : contestants_(std::move(contestants)) {
     const std::size_t count = contestants_.size();
     for (const Contestant& contestant : contestants_) {
         contestant.run(calls);  // Warms up.
     }
-    for (std::size_t round = 0; round < static_cast<std::size_t>(roundsWanted()); ++round) {
+    for (std::size_t round = 0; round < static_cast<std::size_t>(rounds); ++round) {
         Round times(count);
         for (std::size_t k = 0; k < count; ++k) {
             const std::size_t turn = (round + k) % count;

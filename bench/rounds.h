@@ -18,6 +18,9 @@ struct Times {
 
 [[nodiscard]] Times now();
 
+/// Runs something at nobody's cost.
+void exclude(const std::function<void()>& run);
+
 /// Time that the measuring itself took in this thread since its start; it counts for nobody.
 Times& excluded();
 
@@ -34,7 +37,7 @@ struct Contestant {
 class Rounds {
   public:
     /// @param calls how often a contestant's call is made in one round
-    Rounds(std::vector<Contestant> contestants, int calls);
+    Rounds(std::vector<Contestant> contestants, int calls, int rounds = roundsWanted());
 
     /// Processor time of one call.
     [[nodiscard]] double cpu(std::size_t contestant) const;
