@@ -1,79 +1,18 @@
 // One exchange through the exported call against the system calls it cannot do without.
-#include <fcntl.h>
-#include <sys/ioctl.h>
-#include <termios.h>
-#include <unistd.h>
-
-#include <array>
-#include <cstdio>
-#include <stdexcept>
-
 #include "bench/allocations.h"
-#include "bench/open_light.h"
+#include "bench/exchanges.h"
 #include "bench/other_system_calls.h"
 #include "bench/processors.h"
 #include "bench/rounds.h"
 
-using orvex_bench::Light;
+using orvex_bench::bare;
+using orvex_bench::library;
+using orvex_bench::OpenTamar;
 using orvex_bench::Rounds;
 
 namespace {
 
 constexpr int kCalls = 64;
-
-std::size_t receivedByCallback = 0;
-
-void receiveLine(const char* line) {
-    receivedByCallback += line[0] != '\0' ? 1 : 0;
-}
-
-/// A Tamar that has been opened and now answers everything with a reply of so many bytes.
-class OpenTamar : public Light {
-  public:
-    explicit OpenTamar(std::size_t replyLength, bool inMemory) : Light(ORVEX_TYPE_TAMAR) {
-        ORVEX_SetLogBits(0);
-        ORVEX_RegisterLogCallback(receiveLine);
-        ORVEX_SetLogMode(LOG_METHOD_CALLBACK);
-        if (open() != ORVEX_OK) {
-            throw std::runtime_error("the device cannot be opened");
-        }
-        line().replyWith(orvex_bench::replyOf(replyLength));
-        line().keepInMemory(inMemory);
-    }
-};
-
-/// Flush, write, one read per byte: what an exchange must ask of the kernel.
-void exchangeBare(int port, char* reply) {
-    ::ioctl(port, TCFLSH, TCIOFLUSH);
-    if (::write(port, "ip?\r", 4) != 4) {
-        throw std::runtime_error("write");
-    }
-    while (::read(port, reply, 1) == 1 && *reply++ != '\r') {
-    }
-}
-
-orvex_bench::Contestant bare(OpenTamar& light) {
-    return {"floor", [&light](int calls) {
-                std::array<char, 128> reply{};
-                for (int k = 0; k < calls; ++k) {
-                    exchangeBare(light.line().descriptor(), reply.data());
-                }
-            }};
-}
-
-orvex_bench::Contestant library(OpenTamar& light, const char* name, std::uint32_t bits) {
-    return {name, [&light, bits](int calls) {
-                std::array<char, 128> reply{};
-                ORVEX_SetLogBits(bits);
-                for (int k = 0; k < calls; ++k) {
-                    if (ORVEX_ExecuteCommand(light.handle(), "GetIntensity", reply.data(),
-                                             reply.size()) != ORVEX_OK) {
-                        throw std::runtime_error("an exchange has failed");
-                    }
-                }
-                ORVEX_SetLogBits(0);
-            }};
-}
 
 void compare(benchmark::State& state, bool inMemory) {
     OpenTamar light(static_cast<std::size_t>(state.range(0)), inMemory);

@@ -7,6 +7,7 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/uio.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -41,6 +42,8 @@ struct RealCalls {
     ssize_t (*write)(int, const void*,
                      std::size_t) = real<ssize_t(int, const void*, std::size_t)>("write");
     int (*ioctl)(int, unsigned long, ...) = real<int(int, unsigned long, ...)>("ioctl");
+    ssize_t (*writev)(int, const iovec*, int) = real<ssize_t(int, const iovec*, int)>("writev");
+    int (*close)(int) = real<int(int)>("close");
     int (*nanosleep)(const timespec*,
                      timespec*) = real<int(const timespec*, timespec*)>("nanosleep");
 };
@@ -50,8 +53,7 @@ const RealCalls& realCalls() {
     return calls;
 }
 
-/// The line behind a descriptor. Learnt at the first call on it and kept: descriptors on a line are
-/// not used for something else in these programs while the line lives.
+/// The lines behind descriptors: learnt at the first call on one, forgotten when it is closed.
 std::array<std::atomic<Line*>, kMaxDescriptor> linesByDescriptor{};
 
 Line* lineBehind(int descriptor) {
@@ -223,12 +225,37 @@ int ioctl(int descriptor, unsigned long request, ...) noexcept {
     void* argument = va_arg(arguments, void*);
     va_end(arguments);
     if (const Line* line = lineBehind(descriptor); line != nullptr) {
+        if (request == TIOCMGET) {  // A pseudo-terminal has no modem lines; some libraries ask.
+            *static_cast<int*>(argument) = 0;
+            return 0;
+        }
+        if (request == TIOCMBIS || request == TIOCMBIC || request == TIOCMSET) {
+            return 0;
+        }
         ++orvex_bench::calls().ioctl;
         if (line->isInMemory()) {
             return 0;
         }
     }
     return realCalls().ioctl(descriptor, request, argument);
+}
+
+ssize_t writev(int descriptor, const iovec* pieces, int count) {
+    if (lineBehind(descriptor) == nullptr) {
+        return realCalls().writev(descriptor, pieces, count);
+    }
+    std::string bytes;
+    for (int k = 0; k < count; ++k) {
+        bytes.append(static_cast<const char*>(pieces[k].iov_base), pieces[k].iov_len);
+    }
+    return write(descriptor, bytes.data(), bytes.size());
+}
+
+int close(int descriptor) {
+    if (descriptor >= 0 && static_cast<std::size_t>(descriptor) < kMaxDescriptor) {
+        linesByDescriptor[static_cast<std::size_t>(descriptor)] = nullptr;
+    }
+    return realCalls().close(descriptor);
 }
 
 int nanosleep(const timespec* asked, timespec* remaining) {
