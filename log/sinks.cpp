@@ -68,16 +68,18 @@ void appendLine(const std::string& path, const std::string& line) {
         return;
     }
     std::string_view rest = line;
-    bool isWritten = false;
-    while (!isWritten) {
+    for (bool isWritten = false; !isWritten;) {
         char newline = '\n';
         const std::array<iovec, 2> pieces{
             {{const_cast<char*>(rest.data()), rest.size()}, {&newline, 1}}};
         const ssize_t count = ::writev(file, pieces.data(), pieces.size());
-        if (count < 0 && errno != EINTR) {
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
             break;
         }
-        const auto written = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        const auto written = static_cast<std::size_t>(count);
         isWritten = written > rest.size();
         rest.remove_prefix(std::min(written, rest.size()));
     }
