@@ -20,32 +20,25 @@ constexpr auto kPingPause = 50ms;
 
 using ArrayBuffer = std::array<char, kMaxArray + 1>;
 
-/// A request as it goes on the wire.
-class Frame {
-  public:
-    Frame(std::string_view prefix, std::string_view value) {
-        length_ = prefix.copy(bytes_, kMaxRequest);
-        length_ += value.copy(bytes_ + length_, kMaxRequest - length_);
-        shown_ = {bytes_, length_};
-        const std::size_t end = shown_.find(kTerminator);
-        if (end == std::string_view::npos) {
-            bytes_[length_++] = kTerminator;
-        } else {
-            shown_ = shown_.substr(0, end);
-        }
-    }
-    Frame(const Frame&) = delete;
-    Frame& operator=(const Frame&) = delete;
+using FrameBuffer = char[kMaxRequest + 1];
 
-    [[nodiscard]] std::string_view bytes() const noexcept { return {bytes_, length_}; }
-    /// The part that log lines show.
-    [[nodiscard]] std::string_view shown() const noexcept { return shown_; }
-
-  private:
-    char bytes_[kMaxRequest + 1];
-    std::size_t length_;
-    std::string_view shown_;
+/// A request in a buffer.
+struct Request {
+    std::string_view frame;  ///< As it goes on the wire.
+    std::string_view shown;  ///< The part that log lines show.
 };
+
+Request frameRequest(std::string_view prefix, std::string_view value, FrameBuffer& buffer) {
+    std::size_t length = prefix.copy(buffer, kMaxRequest);
+    length += value.copy(buffer + length, kMaxRequest - length);
+    const std::string_view text(buffer, length);
+    const std::size_t end = text.find(kTerminator);
+    if (end != std::string_view::npos) {
+        return {text, text.substr(0, end)};
+    }
+    buffer[length] = kTerminator;
+    return {{buffer, length + 1}, text};
+}
 
 bool isErrorReply(std::string_view reply) {
     return reply == "e\r";
@@ -99,15 +92,16 @@ std::string_view LightDevice::exchange(std::string_view prefix, std::string_view
     if (prefix.size() + value.size() > kMaxRequest) {
         orvex::raise(ORVEX_ERR_INVALID_ARG);
     }
-    const Frame frame(prefix, value);
+    FrameBuffer buffer;
+    const Request request = frameRequest(prefix, value, buffer);
 
     const Lock lock(mutex_);
     SerialLink& port = link();
-    orvex::logLine(LOG_BIT_TRAFFIC, "Send [", frame.shown(), "*] ->");
+    orvex::logLine(LOG_BIT_TRAFFIC, "Send [", request.shown, "*] ->");
     const std::string_view received(reply,
-                                    port.exchange(frame.bytes(), reply, sizeof reply, kTerminator));
+                                    port.exchange(request.frame, reply, sizeof reply, kTerminator));
     if (isErrorReply(received)) {
-        orvex::raise("LightDevice::executeString: Command \"" + std::string(frame.shown()) +
+        orvex::raise("LightDevice::executeString: Command \"" + std::string(request.shown) +
                          "\" answered with error \"e\\r\"",
                      ORVEX_ERR_IO);
     }
