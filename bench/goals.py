@@ -132,6 +132,9 @@ def peer_goals() -> list[Goal]:
         name = f"peers/{length}"
         goals += [told(f"{length}-byte reply: {peer}", name, f"{peer}_ratio", " x Orvex library")
                   for peer in ("asio", "libserial", "libserialport", "pyserial", "asio_in_bulk")]
+    for devices in (8, 64, 512):
+        goals += [told(f"{devices} devices: listing with {peer}", f"listing/{devices}",
+                       f"{peer}_ratio", " x Orvex library") for peer in ("libserialport", "pyserial")]
     return goals
 
 

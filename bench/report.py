@@ -20,12 +20,13 @@ from goals import SECTIONS, Goal
 
 Results = dict[str, dict[str, float]]
 PROGRAMS = ("exchange_bench", "log_bench", "opening_bench", "registry_bench", "scan_bench",
-            "parallel_bench", "peers_bench")
+            "parallel_bench", "peers_bench", "listing_bench")
 
 
 def run_program(program: Path, environment: dict[str, str], brief: bool) -> Results:
     """The counters of a program's benchmarks."""
-    arguments = ["--benchmark_filter=-/512|/4096"] if brief and program.name == "scan_bench" else []
+    arguments = ["--benchmark_filter=-/512|/4096"] if brief and program.name in (
+        "scan_bench", "listing_bench") else []
     with tempfile.NamedTemporaryFile(suffix=".json") as out:
         subprocess.run([program, f"--benchmark_out={out.name}", "--benchmark_out_format=json",
                         *arguments], check=True, env=environment, stdout=subprocess.DEVNULL)

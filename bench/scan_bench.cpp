@@ -6,34 +6,16 @@
 #include <vector>
 
 #include "api/device_registry.h"
+#include "bench/machine.h"
 #include "bench/processors.h"
 #include "bench/rounds.h"
 #include "discovery/port_discovery.h"
 #include "discovery/udev_objects.h"
-#include "sim/testbed.h"
 
+using orvex_bench::Machine;
 using orvex_bench::Rounds;
 
 namespace {
-
-/// A machine with so many devices, and as many serial ports of another kind.
-class Machine {
-  public:
-    explicit Machine(int devices) {
-        for (int number = 0; number < devices; ++number) {
-            testbed_.plug(orvex::sim::UsbIdentity{});
-            orvex::sim::UsbIdentity other;
-            other.vendor = "0403";
-            other.product = "6001";
-            other.productText = "Serial converter";
-            other.kernelName = "ttyUSB" + std::to_string(number);
-            testbed_.plug(other);
-        }
-    }
-
-  private:
-    orvex::sim::Testbed testbed_;
-};
 
 /// An application's list of handles.
 class Application {

@@ -67,23 +67,29 @@ std::string attribute(const std::string& name, const std::string& value) {
 
 /// Where one port's devices stand below /sys.
 struct Place {
+    unsigned number = 0;
     std::string usb;
+    std::string interfaceName;
     std::string interface;
     std::string tty;
 };
 
 Place placeOf(unsigned number, const std::string& name) {
     Place place;
+    place.number = number;
     const std::string usbName = "1-" + std::to_string(number);
     place.usb = "/devices/pci0000:00/0000:00:14.0/usb1/" + usbName;
-    place.interface = place.usb + "/" + usbName + ":1.0";
+    place.interfaceName = usbName + ":1.0";
+    place.interface = place.usb + "/" + place.interfaceName;
     place.tty = place.interface + "/tty/" + name;
     return place;
 }
 
 std::string usbDescription(const Place& place, const UsbIdentity& identity) {
     std::string text = "P: " + place.usb + "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\n" +
-                       attribute("idVendor", identity.vendor) +
+                       attribute("busnum", "1") +
+                       attribute("devnum", std::to_string(place.number + 1)) +
+                       attribute("bNumInterfaces", "1") + attribute("idVendor", identity.vendor) +
                        attribute("idProduct", identity.product);
     if (identity.productText) {
         text += attribute("product", *identity.productText);
@@ -95,7 +101,7 @@ std::string ttyDescription(const Place& place, const std::string& port, unsigned
     const std::string numbers = std::to_string(kTtyMajor) + ":" + std::to_string(minor);
     return "P: " + place.tty + "\nE: SUBSYSTEM=tty\nE: DEVNAME=" + port +
            "\nE: MAJOR=" + std::to_string(kTtyMajor) + "\nE: MINOR=" + std::to_string(minor) +
-           "\n" + attribute("dev", numbers) + "\n";
+           "\nL: device=../../../" + place.interfaceName + "\n" + attribute("dev", numbers) + "\n";
 }
 
 }  // namespace
