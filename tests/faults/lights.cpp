@@ -5,7 +5,7 @@ namespace orvex_faults {
 namespace {
 
 Light lightOf(const char* name, const char* product, OrvexType model) {
-    Light light{name, product, {}};
+    Light light{name, product, {}, {}};
     light.setup.model = model;
     return light;
 }
@@ -18,6 +18,12 @@ Light alder() {
 
 Light cedar() {
     return lightOf("Cedar", "ea02", ORVEX_TYPE_CEDAR);
+}
+
+Light unwillingCedar() {
+    Light light = lightOf("UnwillingCedar", "ea02", ORVEX_TYPE_CEDAR);
+    light.refused = "Disconnect";
+    return light;
 }
 
 Light fourLedTamar() {

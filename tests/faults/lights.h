@@ -15,12 +15,15 @@ struct Light {
     /// port, of a Tamar, belongs to.
     std::string product;
     orvex::sim::DeviceSetup setup;
+    std::string refused = {};  ///< The command that it answers with its error reply.
 };
 
 /// A lamp, an extended lamp, and LED models with four LEDs, eight positions with a group, and
 /// sixteen with a group.
 [[nodiscard]] Light alder();
 [[nodiscard]] Light cedar();
+/// An extended lamp that answers its disconnect request with an error.
+[[nodiscard]] Light unwillingCedar();
 [[nodiscard]] Light fourLedTamar();
 [[nodiscard]] Light groupedTamar();
 [[nodiscard]] Light willow();

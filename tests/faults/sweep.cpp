@@ -32,11 +32,19 @@ void tellOfHang(int /*signal*/) {
 }
 
 std::unique_ptr<Port> makePort(const Setting& setting) {
-    if (!setting.isTerminal) {
-        return std::make_unique<DirectPort>(setting.light.setup);
+    const Light& light = setting.light;
+    std::unique_ptr<Port> port;
+    if (setting.isTerminal) {
+        port = std::make_unique<TerminalPort>(
+            std::make_unique<orvex::sim::SimulatedDevice>(light.setup));
+    } else {
+        port = std::make_unique<DirectPort>(light.setup);
     }
-    return std::make_unique<TerminalPort>(
-        std::make_unique<orvex::sim::SimulatedDevice>(setting.light.setup));
+    if (!light.refused.empty()) {
+        port->conversation().faults().add(orvex::sim::onCommand(light.refused),
+                                          orvex::sim::errorReply());
+    }
+    return port;
 }
 
 std::ptrdiff_t openDescriptors() {
