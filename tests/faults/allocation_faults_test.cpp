@@ -167,8 +167,8 @@ std::vector<Slice> slices() {
     for (const bool forEver : {false, true}) {
         all.push_back({{alder()}, forEver, std::nullopt, 80});
         all.push_back({{cedar()}, forEver, std::nullopt, 125});
-        all.push_back({{unwillingCedar()}, forEver, std::nullopt, 125});
         all.push_back({{fourLedTamar()}, forEver, std::nullopt, 280});
+        all.push_back({{unwillingTamar()}, forEver, std::nullopt, 280});
         all.push_back({{groupedTamar()}, forEver, std::nullopt, 320});
         all.push_back({{cedar(), Usage::PulledOut}, forEver, std::nullopt, 100});
         all.push_back({{cedar(), Usage::Whole, LogTo::Nowhere}, forEver, std::nullopt, 80});

@@ -20,15 +20,16 @@ Light cedar() {
     return lightOf("Cedar", "ea02", ORVEX_TYPE_CEDAR);
 }
 
-Light unwillingCedar() {
-    Light light = lightOf("UnwillingCedar", "ea02", ORVEX_TYPE_CEDAR);
-    light.refused = "Disconnect";
-    return light;
-}
-
 Light fourLedTamar() {
     Light light = lightOf("FourLedTamar", "ea08", ORVEX_TYPE_TAMAR);
     light.setup.wavelengths = {365, 405, 470, 525};
+    return light;
+}
+
+Light unwillingTamar() {
+    Light light = fourLedTamar();
+    light.name = "UnwillingTamar";
+    light.refused = "Disconnect";
     return light;
 }
 

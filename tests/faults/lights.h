@@ -22,9 +22,9 @@ struct Light {
 /// sixteen with a group.
 [[nodiscard]] Light alder();
 [[nodiscard]] Light cedar();
-/// An extended lamp that answers its disconnect request with an error.
-[[nodiscard]] Light unwillingCedar();
 [[nodiscard]] Light fourLedTamar();
+/// Four LEDs; answers its disconnect request with an error.
+[[nodiscard]] Light unwillingTamar();
 [[nodiscard]] Light groupedTamar();
 [[nodiscard]] Light willow();
 
