@@ -24,8 +24,9 @@ constexpr std::chrono::milliseconds kReleasePause = 10ms;
 /// Before a changed group is asked for its state, and before each question.
 constexpr std::chrono::milliseconds kGroupPause = 1800ms;
 constexpr std::chrono::milliseconds kPollPause = 100ms;
-/// What the processor may take in a call.
-constexpr std::chrono::milliseconds kTolerance = 50ms;
+/// What the processor may take in a call on a busy machine. Less than the pauses of a group or an
+/// attempt, so that one too many is noticed.
+constexpr std::chrono::milliseconds kTolerance = 90ms;
 
 /// What one attempt at a measurement found.
 struct Measured {
