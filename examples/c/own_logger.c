@@ -13,8 +13,9 @@
 
 static const char usage[] =
     "usage: own_logger [--port PORT] [--level error|warning|info|debug] [--file FILE]\n"
-    "Asks the first light found for its temperature and logs that: from level info on, and to\n"
-    "standard error.\n";
+    "Asks the first light found for its temperature and logs that, and what the library tells on "
+    "the\n"
+    "way: up to a level, info by default. The log goes to standard error, or is added to a file.\n";
 
 /* The logger of this program. */
 enum Level { LEVEL_ERROR, LEVEL_WARNING, LEVEL_INFO, LEVEL_DEBUG, LEVELS };

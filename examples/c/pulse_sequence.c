@@ -136,6 +136,10 @@ int main(int argc, char** argv) {
                               {"--run-ms", NULL, &run_ms, 1, 86400000},
                               {NULL, NULL, NULL, 0, 0}};
     read_options(argc, argv, usage, options);
+    if (list != NULL && strspn(list, "0123456789,") != strlen(list)) {
+        fprintf(stderr, "--wavelengths-nm: \"%s\" is no list\n%s", list, usage);
+        return 2;
+    }
     hold_stop_signals();
     setvbuf(stdout, NULL, _IOLBF, 0);
     ORVEX_SetLogBits(0); /* What fails is told by succeeded(). */
