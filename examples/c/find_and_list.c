@@ -4,9 +4,7 @@
  *   cc find_and_list.c -o find_and_list $(pkg-config --cflags --libs qtr_orvex)
  *   orvex-sim run --device Tamar --device Cedar -- ./find_and_list      (without a device)
  */
-#include <stdio.h>
-#include <string.h>
-
+#include "options.h"
 #include "qtr_orvex.h"
 #include "status_text.h"
 
@@ -66,11 +64,8 @@ static bool list(const Light* light) {
 }
 
 int main(int argc, char** argv) {
-    if (argc > 1) {
-        const bool help = strcmp(argv[1], "--help") == 0;
-        fprintf(help ? stdout : stderr, "usage: find_and_list\nLists all attached lights.\n");
-        return help ? 0 : 2;
-    }
+    const Option options[] = {{NULL, NULL, NULL, 0, 0}};
+    read_options(argc, argv, "usage: find_and_list\nLists all attached lights.\n", options);
     ORVEX_SetLogBits(0); /* What fails is told below. */
     uint64_t handles[MAX_LIGHTS] = {0};
     uint32_t found = 0;

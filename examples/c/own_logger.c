@@ -111,8 +111,9 @@ int main(int argc, char** argv) {
     const uint32_t status = log_temperature(port);
     const bool done = succeeded(port != NULL ? port : "any port", "logging a temperature", status);
     ORVEX_RegisterLogCallback(NULL); /* The library may log until it is unloaded. */
-    if (file != NULL && fclose(log_file) != 0) {
-        perror(file);
+    const bool is_written = ferror(log_file) == 0;
+    if (file != NULL && (fclose(log_file) != 0 || !is_written)) {
+        fprintf(stderr, "%s: the log could not be written\n", file);
         return 1;
     }
     return done ? 0 : 1;

@@ -45,7 +45,7 @@ static bool make_plan(const char* list, Plan* plan) {
     if (!command("GetWaveLengthLED", NULL, reply)) {
         return false;
     }
-    long fitted[ORVEX_MAX_CHANNEL];
+    long fitted[ORVEX_MAX_CHANNEL] = {0};
     for (char* text = strtok(reply, ","); text != NULL && plan->positions < ORVEX_MAX_CHANNEL;
          text = strtok(NULL, ",")) {
         fitted[plan->positions] = strtol(text, NULL, 10);

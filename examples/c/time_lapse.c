@@ -36,7 +36,7 @@ static bool find_position(long nm, char* position, size_t size) {
     int k = 1;
     for (char* text = strtok(reply, ",\r"); text != NULL; text = strtok(NULL, ",\r"), ++k) {
         const long fitted = strtol(text, NULL, 10);
-        if (nm == 0 ? fitted != ORVEX_EMPTY_POSITION : fitted == nm) {
+        if (fitted != ORVEX_EMPTY_POSITION && (nm == 0 || fitted == nm)) {
             return snprintf(position, size, "%d", k) > 0;
         }
     }

@@ -6,10 +6,10 @@
 #include <string>
 #include <utility>
 
-#include "api/driver_exception.h"
-#include "device/light_device.h"
-#include "discovery/port_discovery.h"
 #include "light.h"
+#include "qtr_orvex/api/driver_exception.h"
+#include "qtr_orvex/device/light_device.h"
+#include "qtr_orvex/discovery/port_discovery.h"
 
 class OpenDevice {
   public:

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iostream>
 #include <mutex>
+#include <string>
 #include <string_view>
 
 #include "../c/options.h"
@@ -128,7 +129,9 @@ int main(int argc, char** argv) {
         journal.write(Level::info, "own_logger",
                       "temperature, degrees C: " + device.ask("GetTemperature"));
     } catch (const std::exception& e) {
-        std::cerr << e.what() << '\n';
+        const std::string text = e.what();  // LightDevice throws what the C calls log.
+        journal.write(Level::error, "own_logger", text.substr(0, text.find('\n')));
+        std::cerr << text << '\n';
         return 1;
     }
     if (path != nullptr && !file) {

@@ -24,7 +24,7 @@ std::string positionOf(Light& light, long nm) {
     std::string text;
     for (int position = 1; std::getline(wavelengths, text, ','); ++position) {
         const long fitted = std::strtol(text.c_str(), nullptr, 10);
-        if (nm == 0 ? fitted != ORVEX_EMPTY_POSITION : fitted == nm) {
+        if (fitted != ORVEX_EMPTY_POSITION && (nm == 0 || fitted == nm)) {
             return std::to_string(position);
         }
     }
