@@ -32,11 +32,12 @@ std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
 }
 
 /// In the new process: becomes the program, or tells why not.
-[[noreturn]] void become(char* const* command, char* const* environment, const sigset_t& mask,
+[[noreturn]] void become(char* const* command, char* const* environment, const Inheritance& signals,
                          pid_t parent, int report) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() == parent) {
-        ::pthread_sigmask(SIG_SETMASK, &mask, nullptr);
+        ::sigaction(SIGPIPE, &signals.brokenPipe, nullptr);
+        ::pthread_sigmask(SIG_SETMASK, &signals.blocked, nullptr);
         ::execvpe(command[0], command, environment);
     }
     const int error = errno;
@@ -60,7 +61,7 @@ bool begins(const std::string& text, std::string_view start) {
 }  // namespace
 
 Child::Child(const std::vector<std::string>& command, const std::vector<std::string>& environment,
-             const sigset_t& mask) {
+             const Inheritance& signals) {
     const std::vector<char*> arguments = pointersTo(command);
     const std::vector<char*> variables = pointersTo(environment);
     const pid_t parent = ::getpid();
@@ -75,7 +76,7 @@ Child::Child(const std::vector<std::string>& command, const std::vector<std::str
         throw std::system_error(errno, std::generic_category(), "fork");
     }
     if (pid_ == 0) {
-        become(arguments.data(), variables.data(), mask, parent, reporter.get());
+        become(arguments.data(), variables.data(), signals, parent, reporter.get());
     }
     reporter = sim::Descriptor();
     if (const int error = readReport(report.get()); error != 0) {

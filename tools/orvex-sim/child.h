@@ -4,10 +4,11 @@
 
 #include <sys/types.h>
 
-#include <csignal>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "tools/orvex-sim/signals.h"
 
 namespace orvex::tools {
 
@@ -15,10 +16,10 @@ namespace orvex::tools {
 class Child {
   public:
     /// @param environment "NAME=value" texts
-    /// @param mask the signals it is to have blocked
+    /// @param signals what it is to inherit
     /// @throws Failure with the shell's exit codes when it cannot be started
     Child(const std::vector<std::string>& command, const std::vector<std::string>& environment,
-          const sigset_t& mask);
+          const Inheritance& signals);
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
     /// Kills it if it still runs.

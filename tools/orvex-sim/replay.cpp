@@ -85,7 +85,7 @@ int replayFor(const Options& options, const Signals& signals, const Workspace& w
     }
     Child child(options.command,
                 childEnvironment(sim::Testbed::preloadLibrary(), workspace.givenTemporaryPlace()),
-                signals.maskBefore());
+                signals.before());
     const Bell bell;
     Stage stage(signals, bell, {}, {});
     return supervise(stage, child);

@@ -70,7 +70,7 @@ int run(const Options& options) {
     stage.begin();
     Child child(options.command,
                 childEnvironment(sim::Testbed::preloadLibrary(), workspace.givenTemporaryPlace()),
-                signals.maskBefore());
+                signals.before());
     return codeWithTrace(supervise(stage, child), trace.get());
 }
 

@@ -48,7 +48,8 @@ Signals::Signals() {
     sigset_t blocked = heard;
     // A reader of the trace that goes away shows as a failed write.
     sigaddset(&blocked, SIGPIPE);
-    ::pthread_sigmask(SIG_BLOCK, &blocked, &before_);
+    ::pthread_sigmask(SIG_BLOCK, &blocked, &before_.blocked);
+    ::sigaction(SIGPIPE, nullptr, &before_.brokenPipe);
     source_ = checked(::signalfd(-1, &heard, SFD_CLOEXEC | SFD_NONBLOCK), "signalfd");
 }
 
@@ -60,7 +61,7 @@ Signals::~Signals() {
     sigemptyset(&brokenPipe);
     sigaddset(&brokenPipe, SIGPIPE);
     ::sigtimedwait(&brokenPipe, nullptr, &now);
-    ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+    ::pthread_sigmask(SIG_SETMASK, &before_.blocked, nullptr);
 }
 
 std::optional<Signal> Signals::take() const {

@@ -30,6 +30,12 @@ struct Signal {
     bool fromKernel = false;  ///< From the terminal, whose whole foreground has got it already.
 };
 
+/// What a process does with signals that the programs it starts inherit.
+struct Inheritance {
+    sigset_t blocked{};
+    struct sigaction brokenPipe {};
+};
+
 /// Signals of this process, which arrive here and nowhere else while this object lives.
 class Signals {
   public:
@@ -43,11 +49,12 @@ class Signals {
     [[nodiscard]] int descriptor() const noexcept { return source_.get(); }
     /// The next one that has arrived; does not wait.
     [[nodiscard]] std::optional<Signal> take() const;
-    /// The signals that were blocked before, for processes that are started.
-    [[nodiscard]] const sigset_t& maskBefore() const noexcept { return before_; }
+    /// As it was before, for processes that are started: a library of the simulation has SIGPIPE
+    /// ignored.
+    [[nodiscard]] const Inheritance& before() const noexcept { return before_; }
 
   private:
-    sigset_t before_{};
+    Inheritance before_;
     sim::Descriptor source_;
 };
 

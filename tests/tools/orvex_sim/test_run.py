@@ -200,3 +200,14 @@ def test_it_ends_with_the_program_although_grandchildren_go_on(sim):
                      "sleep 40 >/dev/null 2>&1 & echo done")
     assert result.stdout == "done\n"
     assert time.monotonic() - begun < 30
+
+
+@pytest.mark.parametrize("ignored", [False, True])
+def test_a_broken_pipe_is_for_the_program_what_it_is_without_us(sim, ignored):
+    def before():
+        signal.signal(signal.SIGPIPE, signal.SIG_IGN if ignored else signal.SIG_DFL)
+
+    result = sim.run("run", "-d", "Tamar", "--", "grep", "SigIgn", "/proc/self/status",
+                     preexec_fn=before, restore_signals=False)
+    mask = int(result.stdout.split()[1], 16)
+    assert bool(mask & 1 << signal.SIGPIPE - 1) == ignored
