@@ -367,7 +367,8 @@ ORVEX_API uint32_t ORVEX_GetOVStruct(uint64_t handle, OrvexStruct* record);
  *
  * On switches those channels on that a written record last switched on (none: nothing is sent);
  * off switches all off. While switched off so, a written record's new channels are only
- * remembered. Lamps open or close their shutter. Blocks like ::ORVEX_SetOVStruct.
+ * remembered. A lamp closes its shutter with off; on sends it nothing, for no record has channels
+ * of a lamp: use "OpenShutter". Blocks like ::ORVEX_SetOVStruct.
  *
  * @param[in] handle an open device's handle
  * @param[in] enable false: only remember that switching is not enabled; nothing is sent
