@@ -53,6 +53,9 @@ __all__ = [
 
 __version__: str
 
+for _public in (globals()[_name] for _name in __all__):
+    _public.__module__ = __name__  # Texts of errors and help name them as users do.
+
 
 def __getattr__(name: str) -> Any:
     # The version is the library's, which is not loaded before it is needed.

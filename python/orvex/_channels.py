@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import math
-from typing import Callable, Dict, Iterator, Optional, Protocol
+from typing import Dict, Iterator, Protocol
 
 from ._errors import ERR_INVALID_ARG, ArgumentError
 from ._records import ChannelRecord
@@ -119,33 +119,27 @@ class Channels:
     """A light's channels, by the numbers of their positions, from 1. Those without an LED are
     left out; a lamp has none."""
 
-    def __init__(self, title: str, read: Callable[[], Dict[int, Channel]]) -> None:
+    def __init__(self, title: str, channels: Dict[int, Channel]) -> None:
         self._title = title
-        self._read = read
-        self._channels: Optional[Dict[int, Channel]] = None
+        self._channels = channels
 
     def __repr__(self) -> str:
         return f"<Channels of the {self._title}>"
 
     def __getitem__(self, number: int) -> Channel:
         try:
-            return self._all()[number]
+            return self._channels[number]
         except KeyError:
-            numbers = ", ".join(map(str, self._all())) or "none"
+            numbers = ", ".join(map(str, self._channels)) or "none"
             raise IndexError(
                 f"no channel {number!r}; the {self._title} has {numbers}"
             ) from None
 
     def __iter__(self) -> Iterator[Channel]:
-        return iter(self._all().values())
+        return iter(self._channels.values())
 
     def __len__(self) -> int:
-        return len(self._all())
+        return len(self._channels)
 
     def __contains__(self, number: object) -> bool:
-        return number in self._all()
-
-    def _all(self) -> Dict[int, Channel]:
-        if self._channels is None:
-            self._channels = self._read()
-        return self._channels
+        return number in self._channels

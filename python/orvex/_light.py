@@ -40,7 +40,7 @@ class Light:
         self._closed = False
         self._closing = threading.Lock()
         self._batch = _Batch()
-        self._channels = Channels(device.title, self._read_channels)
+        self._fitted: Dict[int, ChannelRecord] = {}
 
     def __repr__(self) -> str:
         return f"<Light {self._device.title}{' closed' if self._closed else ''}>"
@@ -84,7 +84,13 @@ class Light:
     @property
     def channels(self) -> Channels:
         """The LEDs, by the numbers of their positions from 1."""
-        return self._channels
+        device = self._open_device()
+        if not self._fitted:
+            self._fitted = interruptible(lambda: _state.read(device))
+        channels = {
+            number: Channel(self, number, record) for number, record in self._fitted.items()
+        }
+        return Channels(device.title, channels)
 
     @property
     def commands(self) -> Tuple[str, ...]:
@@ -159,11 +165,6 @@ class Light:
                 f"the {self._device.title} has been closed", e.ERR_NOT_CONNECTED
             )
         return self._device
-
-    def _read_channels(self) -> Dict[int, Channel]:
-        device = self._open_device()
-        records = interruptible(lambda: _state.read(device))
-        return {number: Channel(self, number, record) for number, record in records.items()}
 
     def _channel(self, position: int) -> ChannelRecord:
         device = self._open_device()

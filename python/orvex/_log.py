@@ -56,7 +56,7 @@ class LogSettings:
     def end(self) -> None:
         """The library may log until it is unloaded, which is after the interpreter's end."""
         self._library.ORVEX_SetLogBits(0)
-        self._library.ORVEX_RegisterLogCallback(ctypes.cast(None, CALLBACK_TYPE))
+        self._library.ORVEX_RegisterLogCallback(CALLBACK_TYPE(0))
 
 
 def deliver() -> None:

@@ -22,12 +22,7 @@ def identity(port: str) -> Optional[Identity]:
 
 def is_same(path: str, port: str) -> bool:
     """Whether a path, perhaps a link such as those in /dev/serial/by-id, leads to a port."""
-    if path == port:
-        return True
-    try:
-        return os.path.samefile(path, port)
-    except OSError:
-        return False
+    return path == port or os.path.realpath(path) == os.path.realpath(port)
 
 
 def refusal(port: str) -> Optional[str]:

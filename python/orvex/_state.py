@@ -86,6 +86,10 @@ def apply(device: Device, changes: Iterable[Change]) -> None:
 def switch(device: Device, on: bool) -> None:
     """Switches the channels, or a lamp's shutter, together."""
     with device.records:
+        if not cached_record(device).iCapabilities & CAP_LED:
+            # The library opens no shutter: a lamp's record has no channel that was ever on.
+            device.execute("OpenShutter" if on else "CloseShutter")
+            return
         device.call("switching", "ORVEX_SwitchOrvex", True, on)
         device.dark = not on
 
