@@ -36,6 +36,7 @@ class _Job:
         self._undo = undo
         self._guard = threading.Lock()
         self._done = False
+        self._succeeded = False
         self._result: Any = None
         self._error: Optional[BaseException] = None
         self.abandoned = False
@@ -45,7 +46,9 @@ class _Job:
     def run(self) -> None:
         _here.job = self
         try:
+            stop_if_abandoned()
             self._result = self._action()
+            self._succeeded = True
         except BaseException as error:
             self._error = error
         _here.job = None
@@ -60,7 +63,7 @@ class _Job:
         with self._guard:
             self.abandoned = True
             done = self._done
-        if done:
+        if done and self._succeeded:
             _start(_Job(self._take_back, None))
 
     def result(self) -> Any:
@@ -72,7 +75,7 @@ class _Job:
         return self._result
 
     def _take_back(self) -> None:
-        if self._error is None and self._undo is not None:
+        if self._succeeded and self._undo is not None:
             self._undo(self._result)
 
 
@@ -84,6 +87,7 @@ def _work(jobs: SimpleQueue[_Job]) -> None:
     signal.pthread_sigmask(signal.SIG_BLOCK, signal.valid_signals())
     while True:
         job = jobs.get()
+        _running.add(job)
         job.run()
         _running.discard(job)
         _idle.append(jobs)
@@ -92,7 +96,6 @@ def _work(jobs: SimpleQueue[_Job]) -> None:
 
 
 def _start(job: _Job) -> None:
-    _running.add(job)
     try:
         jobs = _idle.pop()
     except IndexError:
