@@ -56,6 +56,44 @@ def pytest_unconfigure():
     trace.parent.rmdir()
 
 
+class Mypy:
+    """Checks types while the tests run: the package with the examples, and a user's program."""
+
+    def __init__(self, directory):
+        package = ROOT / "python"
+        wrong = pathlib.Path(directory) / "wrong.py"
+        wrong.write_text('import orvex\norvex.open("Tamar").channels[1].intensity = "much"\n')
+        self._directory = directory
+        self._runs = {
+            "package": self._start("package", "--scripts-are-modules", "--ignore-missing-imports",
+                                   *(ROOT / "examples" / "python").glob("*.py"), package / "orvex",
+                                   package / "generate_commands.py"),
+            "user": self._start("user", wrong)}
+
+    def _start(self, name, *arguments):
+        environment = {**os.environ, "MYPYPATH": str(ROOT / "python")}
+        del environment["LD_PRELOAD"]
+        return subprocess.Popen(
+            ["mypy", "--strict", "--python-version", "3.9", "--cache-dir",
+             f"{self._directory}/{name}", *map(str, arguments)],
+            env=environment, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+
+    def __call__(self, name):
+        out, _ = self._runs[name].communicate(timeout=LONG_ENOUGH)
+        return self._runs[name].returncode, out
+
+
+def pytest_collection_finish(session):
+    if any("mypy" in item.fixturenames for item in session.items):
+        session.config.mypy_directory = tempfile.TemporaryDirectory()
+        session.config.mypy = Mypy(session.config.mypy_directory.name)
+
+
+@pytest.fixture(scope="session")
+def mypy(request):
+    return request.config.mypy
+
+
 @pytest.fixture(scope="session")
 def build_dir(request):
     return ROOT / request.config.getoption("--build")
@@ -129,10 +167,14 @@ class Child:
                             **{name: value for name, value in outside.items() if value}}
 
     def command(self, program, devices=("Tamar",), timeline=()):
+        """The command line that starts a program beside lights; with none: by itself."""
         if not devices:
             return program
+        if not timeline:
+            options = [word for model in devices for word in ("--device", model)]
+            return [simulator(self.build), "run", *options, "--", *program]
         scenario = self.directory / f"scenario{len(list(self.directory.iterdir()))}.json"
-        described = [{"model": one} if isinstance(one, str) else one for one in devices]
+        described = [{"model": model} for model in devices]
         scenario.write_text(json.dumps({"devices": described, "timeline": list(timeline)}))
         return [simulator(self.build), "run", "--scenario", str(scenario), "--", *program]
 
