@@ -81,6 +81,7 @@ def test_batch_is_one_record(tamar, trace):
         assert (tamar.channels[3].intensity, tamar.channels[3].on) == (30.0, True)
         with tamar.batch():
             tamar.channels[2].raw = 77
+        assert tamar.channels[2].raw == 70
         assert tamar.command("GetUnitStatus") == "0,0,0,0,0,0,0,0"
     assert sent.requests() == ["us?", "ip=100,70,300,400,500,600,0,800", "of=2,4,5,6,7,8",
                                "on=1,3"]

@@ -150,8 +150,13 @@ with orvex.open("Tamar") as light:
     heard = len(ticks)
     signal.setitimer(signal.ITIMER_REAL, 0)
     print(reply, heard > 1, set(ticks), flush=True)
+    signal.pthread_sigmask(signal.SIG_BLOCK, [signal.SIGALRM])  # In this thread, not in all.
+    signal.setitimer(signal.ITIMER_REAL, 0.01, 0.01)
+    print(light.command("GetLedHours"), flush=True)
+    signal.setitimer(signal.ITIMER_REAL, 0)
 """, timeline=[late])
     child.expect("120,120,120,120,120,120,120,120 True {'MainThread'}")
+    child.expect("120,120,120,120,120,120,120,120")
     assert child.end() == ""
 
 

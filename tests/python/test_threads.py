@@ -63,6 +63,7 @@ def test_scan_waits_for_calls_and_closing_too(tamar):
     asking = started(ask)
     while not SCANS._inside:
         time.sleep(0.001)
+    assert tamar._device._uses._inside == 1
     scanning = started(lambda: order.append(len(orvex.scan())))
     closing = started(lambda: (tamar.close(), order.append("closed")))
     for thread in (asking, scanning, closing):
