@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import os
 from dataclasses import dataclass
-from typing import List, Optional, Union
+from typing import List, Union
 
 from . import _errors as e
 from ._light import Light

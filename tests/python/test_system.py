@@ -36,6 +36,7 @@ assert text == ("the Tamar on /dev/ttyACM0 has been unplugged; close it, and ope
                 "is back (ORVEX_ERR_NOT_CONNECTED, 0x80517006)"), text
 assert fails(lambda: channel.raw) == fails(first.snapshot) == text
 until(lambda: os.path.exists("/dev/ttyACM0") and os.path.exists("/sys/class/tty/ttyACM0"))
+time.sleep(0.3)  # Until udev has all of it.
 assert fails(lambda: orvex.open("Tamar")) == text
 first.close()
 with orvex.open("Tamar") as second:
