@@ -12,8 +12,8 @@ EXAMPLES = ROOT / "examples" / "python"
 BLOCK = re.compile(r"(?:<!-- (\S+) -->\n)?```(\w+)\n(.*?)```", re.S)
 
 RUN_SESSION = """
-import doctest, sys
-text = open(sys.argv[1], encoding="utf-8").read()
+import doctest, pathlib, sys
+text = pathlib.Path(sys.argv[1]).read_text(encoding="utf-8")
 test = doctest.DocTestParser().get_doctest(text, {}, "page", sys.argv[1], 0)
 runner = doctest.DocTestRunner(optionflags=doctest.REPORT_NDIFF)
 runner.run(test)
