@@ -52,7 +52,7 @@ with orvex.open("Tamar") as second:
         assert third.command("GetSoftwareVersion")
 assert not orvex.scan()[0].is_open
 """
-    plugs = [{"at": seconds, "device": 1, "do": "plug"} for seconds in range(3, 60, 3)]
+    plugs = [{"at": seconds, "device": 1, "do": "plug"} for seconds in range(2, 60, 2)]
     child.run(["-c", program], timeline=[
         {"device": 1, "fault": "hangUp", "command": "GetSpeakerVolume"}, *plugs])
 
