@@ -3,6 +3,7 @@
 A comment before a block says what to do with it (CONTRIBUTING.md tells them all):
 
     <!-- not run: WHY -->     it cannot run in a test
+    <!-- run as: COMMAND -->  it shows what this prints ($BUILD: the build) instead of running
     <!-- file: NAME -->       it is a file, which later blocks of the page use
     <!-- before: COMMAND -->  what is there already when the block begins ($ORVEX: the project)
     <!-- ends by Ctrl-C -->   its last command runs until it is interrupted
