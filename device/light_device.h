@@ -22,8 +22,8 @@
 /// device's own mutex; opening and closing one device is for one thread at a time.
 class ORVEX_API LightDevice {
   public:
-    /// A closed device; nothing is sent.
-    /// @param port the port's path; it must contain "tty"
+    /// A closed device of a model, on a port whose path must contain "tty"; nothing is sent.
+    ///
     /// @throws DriverException ORVEX_ERR_INVALID_ARG for another path or an unknown model
     LightDevice(OrvexType type, std::string port);
     LightDevice(const LightDevice&) = delete;
@@ -64,13 +64,13 @@ class ORVEX_API LightDevice {
     /// @name Exchanges
     /// @{
 
-    /// Sends a named command with a value behind its prefix.
-    /// @param[out] reply the reply with its carriage return
+    /// Sends a named command with a value behind its prefix. The reply keeps its carriage return.
+    ///
     /// @throws DriverException ORVEX_ERR_NOT_SUPPORTED for a name the model lacks; see
     ///         executeString
     void executeCommand(const std::string& name, std::string& reply, const std::string& value);
     /// Sends a request, ended by a carriage return unless it holds one, and reads the reply.
-    /// @param[out] reply the reply with its carriage return, cut at 1024 bytes
+    /// The reply keeps its carriage return and is cut at 1024 bytes.
     /// @throws DriverException ORVEX_ERR_NOT_CONNECTED; ORVEX_ERR_INVALID_ARG above 1023 bytes;
     ///         ORVEX_ERR_IO for the device's error reply; ORVEX_ERR_SEND; ORVEX_ERR_RECV
     void executeString(const std::string& request, std::string& reply);

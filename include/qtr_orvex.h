@@ -100,16 +100,16 @@ extern "C" {
  */
 /** A device model: one of the ORVEX_TYPE_… values. */
 typedef uint32_t OrvexType;
-#define ORVEX_TYPE_ALDER 0u
-#define ORVEX_TYPE_BIRCH 1u
-#define ORVEX_TYPE_CEDAR 2u
-#define ORVEX_TYPE_HAZEL 3u
-#define ORVEX_TYPE_LARCH 4u
-#define ORVEX_TYPE_MAPLE 5u
-#define ORVEX_TYPE_ROWAN 6u
-#define ORVEX_TYPE_SPRUCE 7u
-#define ORVEX_TYPE_TAMAR 8u
-#define ORVEX_TYPE_WILLOW 9u
+#define ORVEX_TYPE_ALDER 0u  /**< Alder, a lamp with the basic commands. */
+#define ORVEX_TYPE_BIRCH 1u  /**< Birch, a lamp with the extended commands. */
+#define ORVEX_TYPE_CEDAR 2u  /**< Cedar, a lamp with the extended commands. */
+#define ORVEX_TYPE_HAZEL 3u  /**< Hazel, a lamp with the extended commands. */
+#define ORVEX_TYPE_LARCH 4u  /**< Larch, a lamp with the extended commands. */
+#define ORVEX_TYPE_MAPLE 5u  /**< Maple, a lamp with the extended commands. */
+#define ORVEX_TYPE_ROWAN 6u  /**< Rowan, a lamp that cannot be read out. */
+#define ORVEX_TYPE_SPRUCE 7u /**< Spruce, 4 LEDs; cannot be read out. */
+#define ORVEX_TYPE_TAMAR 8u  /**< Tamar, up to 16 LEDs. */
+#define ORVEX_TYPE_WILLOW 9u /**< Willow, up to 16 LEDs. */
 /** The model is not known; as a selection in ::ORVEX_OpenDevice: any model. */
 #define ORVEX_TYPE_UNDEFINED 65535u
 /** @} */
@@ -124,7 +124,7 @@ typedef uint32_t OrvexType;
  * With neither ::ORVEX_CAP_EXTENDED nor ::ORVEX_CAP_LED set, the device is a basic lamp.
  * @{
  */
-#define ORVEX_CAP_LAMP 0x01u
+#define ORVEX_CAP_LAMP 0x01u /**< A lamp behind a shutter. */
 /** A lamp with the extended command set. */
 #define ORVEX_CAP_EXTENDED 0x02u
 /** The channels are LEDs, switched one by one; clear: one lamp behind a shutter. */

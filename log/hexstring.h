@@ -53,4 +53,5 @@ template <typename T>
     return doubled || unwanted ? text.substr(2) : text;
 }
 
+/// The one that the library contains: for handles.
 extern template ORVEX_API std::string to_hexstring<void*>(void*, bool, bool, bool);

@@ -31,7 +31,7 @@ class ORVEX_API SerialLink {
     [[nodiscard]] unsigned setPort(const std::string& port);
     /// Closes the present port without restoring it, then opens and configures another.
     ///
-    /// @param baud bits per second, see convertBaudrate
+    /// The baud rate is in bits per second, see convertBaudrate.
     /// @return ORVEX_ERR_INVALID_ARG for an empty path; ORVEX_ERR_NO_HANDLE when it cannot be
     ///         opened; ORVEX_ERR_IO when it cannot be configured, and stays open then
     [[nodiscard]] unsigned connect(const std::string& port, unsigned baud);
