@@ -53,7 +53,7 @@ def all_pages():
     return [str(page.relative_to(ROOT)) for page in pages]
 
 
-def tested_pages():
+def checked_pages():
     return [page for page in all_pages() if page not in TESTED_ELSEWHERE]
 
 

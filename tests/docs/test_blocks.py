@@ -3,7 +3,7 @@ import json
 
 import pytest
 
-from pages import ROOT, blocks_of, tested_pages
+from pages import ROOT, blocks_of, checked_pages
 from programs import whole_program
 from world import same
 
@@ -87,7 +87,7 @@ def carry_out(world, block):
         assert block.language == "text", f"{block.where}: a block of {block.language} is a file"
 
 
-@pytest.mark.parametrize("page", tested_pages())
+@pytest.mark.parametrize("page", checked_pages())
 def test_page_does_what_it_says(world, page):
     faults = []
     for block in blocks_of(page):
@@ -100,7 +100,7 @@ def test_page_does_what_it_says(world, page):
 
 
 def test_text_blocks_hold_no_commands():
-    for page in tested_pages():
+    for page in checked_pages():
         for block in blocks_of(page):
             if block.language == "text" and "run as" not in block.notes:
                 assert "\n$ " not in "\n" + block.text, f"{block.where}: mark it as console"
