@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "device/models.h"
+#include "device/model_table.h"
 
 namespace orvex::sim {
 
@@ -21,24 +21,11 @@ std::size_t lengthWithoutTemplate(std::string_view text) {
 }  // namespace
 
 CommandTable commandsOfModel(OrvexType model) {
-    if (model > ORVEX_TYPE_WILLOW) {
+    const Model* const known = findModel(model);
+    if (known == nullptr) {
         throw std::invalid_argument("There is no such model to simulate");
     }
-    switch (model) {
-        case ORVEX_TYPE_SPRUCE:
-            return gl_cmd_spruce;
-        case ORVEX_TYPE_TAMAR:
-            return gl_cmd_tamar;
-        case ORVEX_TYPE_WILLOW:
-            return gl_cmd_willow;
-        default:
-            break;
-    }
-    CommandTable commands = gl_cmd_lamp;
-    if (model != ORVEX_TYPE_ALDER) {
-        commands.insert(gl_cmd_lamp_ext.begin(), gl_cmd_lamp_ext.end());
-    }
-    return commands;
+    return allCommandsOf(*known);
 }
 
 CommandLookup::CommandLookup(OrvexType model) {

@@ -1,5 +1,6 @@
 #include "sim/device_state.h"
 
+#include "device/model_table.h"
 #include "sim/settings.h"
 
 namespace orvex::sim {
@@ -81,7 +82,8 @@ std::vector<Channel> makeChannels(const DeviceSetup& setup) {
 }  // namespace
 
 bool isLedModel(OrvexType model) noexcept {
-    return model >= ORVEX_TYPE_SPRUCE && model <= ORVEX_TYPE_WILLOW;
+    const Model* const known = findModel(model);
+    return known != nullptr && !speaksLampCommands(*known);
 }
 
 DeviceState initialState(const DeviceSetup& setup) {

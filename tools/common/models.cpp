@@ -2,25 +2,12 @@
 
 #include <algorithm>
 
+#include "device/model_table.h"
 #include "tools/common/nearest.h"
 
 namespace orvex::tools {
 
 namespace {
-
-/// The table of a multi-LED model; null: the model speaks the lamps' commands.
-const CommandTable* ledTableOf(OrvexType model) {
-    switch (model) {
-        case ORVEX_TYPE_SPRUCE:
-            return &gl_cmd_spruce;
-        case ORVEX_TYPE_TAMAR:
-            return &gl_cmd_tamar;
-        case ORVEX_TYPE_WILLOW:
-            return &gl_cmd_willow;
-        default:
-            return nullptr;
-    }
-}
 
 std::vector<std::string> allModelNames() {
     std::vector<std::string> names;
@@ -62,18 +49,13 @@ std::string unknownModelText(std::string_view name) {
 }
 
 CommandTable commandsOfModel(OrvexType model) {
-    if (const CommandTable* table = ledTableOf(model); table != nullptr) {
-        return *table;
-    }
-    CommandTable commands = gl_cmd_lamp;
-    if (model != ORVEX_TYPE_ALDER) {
-        commands.insert(gl_cmd_lamp_ext.begin(), gl_cmd_lamp_ext.end());
-    }
-    return commands;
+    const Model* const known = findModel(model);
+    return known != nullptr ? allCommandsOf(*known) : CommandTable();
 }
 
 bool speaksLampCommands(OrvexType model) {
-    return ledTableOf(model) == nullptr;
+    const Model* const known = findModel(model);
+    return known != nullptr && orvex::speaksLampCommands(*known);
 }
 
 bool isDiscovered(OrvexType model) {
