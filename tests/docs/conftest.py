@@ -1,7 +1,7 @@
 """What the tests of the documentation have in common: the build whose programs they run."""
 import pytest
 
-from world import World
+from pages import ROOT
 
 
 def pytest_addoption(parser):
@@ -10,10 +10,4 @@ def pytest_addoption(parser):
 
 @pytest.fixture(scope="session")
 def build(request):
-    from pages import ROOT
     return ROOT / request.config.getoption("--build")
-
-
-@pytest.fixture
-def world(build, tmp_path):
-    return World(build, tmp_path)

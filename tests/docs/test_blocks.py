@@ -1,12 +1,14 @@
 """Every command and program of the documentation does what the page says."""
 import json
+from concurrent.futures import ThreadPoolExecutor
 
 import pytest
 
 from pages import ROOT, blocks_of, checked_pages
 from programs import whole_program
-from world import same
+from world import World, same
 
+PAGES_AT_ONCE = 4
 LANGUAGES = {"sh", "console", "c", "cpp", "python", "json", "cmake", "text"}
 
 
@@ -87,16 +89,30 @@ def carry_out(world, block):
         assert block.language == "text", f"{block.where}: a block of {block.language} is a file"
 
 
-@pytest.mark.parametrize("page", checked_pages())
-def test_page_does_what_it_says(world, page):
+def faults_of(page, world):
     faults = []
     for block in blocks_of(page):
         try:
             assert block.language in LANGUAGES, f"{block.where}: which language is it?"
             carry_out(world, block)
-        except AssertionError as fault:
-            faults.append(str(fault))
-    assert not faults, "\n".join(faults)
+        except Exception as fault:  # Anything: the page's test shows it.
+            faults.append(f"{block.where}: {fault!r}" if not str(fault) else str(fault))
+    return faults
+
+
+@pytest.fixture(scope="session")
+def faults(request, build, tmp_path_factory):
+    """The faults of each page that is asked for; they wait more than they work, so all at once."""
+    pages = [item.callspec.params["page"] for item in request.session.items
+             if item.name.startswith("test_page_does_what_it_says")]
+    worlds = [World(build, tmp_path_factory.mktemp("page")) for _ in pages]
+    with ThreadPoolExecutor(PAGES_AT_ONCE) as pool:
+        return dict(zip(pages, pool.map(faults_of, pages, worlds)))
+
+
+@pytest.mark.parametrize("page", checked_pages())
+def test_page_does_what_it_says(faults, page):
+    assert not faults[page], "\n".join(faults[page])
 
 
 def test_text_blocks_hold_no_commands():
