@@ -47,7 +47,7 @@ def run_program(world, block):
     program = world.directory / f"block{block.line}"
     source.write_text(whole_program(block.language, block.text))
     world.compile(block.language, source, program)
-    bare = "SimulatedDevice" in block.text  # It brings its own lights, so it cannot stand in others.
+    bare = "SimulatedDevice" in block.text  # It brings its own lights and cannot be among others.
     done = world.run_alone([str(program)]) if bare else world.run(
         block.lights or "--device Tamar", [str(program)])
     assert done.returncode == 0, f"{block.where}: exit code {done.returncode}\n{done.stdout}"

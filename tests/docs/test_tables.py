@@ -83,8 +83,9 @@ def test_capabilities_are_those_of_the_header():
 
 
 def test_command_reference_is_up_to_date(build):
-    done = subprocess.run([sys.executable, ROOT / "scripts/make_command_reference", "--check", build],
-                          capture_output=True, text=True)
+    script = ROOT / "scripts/make_command_reference"
+    done = subprocess.run([sys.executable, script, "--check", build], capture_output=True,
+                          text=True)
     assert done.returncode == 0, done.stdout
 
 

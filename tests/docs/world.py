@@ -26,7 +26,8 @@ class World:
         self.environment = {
             **{name: value for name, value in os.environ.items()
                if name not in ("COLORTERM", "NO_COLOR", "LD_PRELOAD")},
-            "ORVEX": str(ROOT), "BUILD": str(build), "LC_ALL": "C.UTF-8", "PATH": self._path(), "CPATH": f"{ROOT}/include:{ROOT}",
+            "ORVEX": str(ROOT), "BUILD": str(build), "LC_ALL": "C.UTF-8",
+            "PATH": self._path(), "CPATH": f"{ROOT}/include:{ROOT}",
             "LIBRARY_PATH": str(build), "LD_LIBRARY_PATH": str(build),
             "PYTHONPATH": str(ROOT / "python"), "XDG_STATE_HOME": str(directory)}
 
@@ -102,7 +103,8 @@ def testbed_flags():
 VARIABLE = [(r"0x[0-9a-fA-F]{9,}", "0xADDRESS"), (r"\b\d+\.\d ms\b", "TIME ms"),
             (r"\buser \w+ may\b", "user NAME may"), (r"^ +\d+\.\d{6} ", "TIME "),
             (r"belongs to \S+ \(\S+\) and user \w+ .*", "belongs to SOMEBODY"),
-            (r"-aG \w+ \w+,", "-aG GROUP USER,"), (r"\bprocess \d+", "process N"), (r"/tmp/pytest-\S+/work/", "")]
+            (r"-aG \w+ \w+,", "-aG GROUP USER,"), (r"\bprocess \d+", "process N"),
+            (r"/tmp/pytest-\S+/work/", "")]
 
 
 def settled(text):
