@@ -1,4 +1,6 @@
 """Blocks that do not run are few and known, each with its reason."""
+import re
+
 from pages import ROOT, blocks_of, checked_pages
 
 REVIEWED = ROOT / "tests/docs/not_run.txt"
@@ -17,6 +19,14 @@ def test_every_exception_has_a_reason():
     for page in checked_pages():
         for block in blocks_of(page):
             assert len(block.notes.get("not run", "it does run").split()) >= 3, block.where
+
+
+def test_the_demo_builds_where_the_walk_goes_on():
+    """The walk's path to the tools cannot be tried: ./demo builds them, the tests do not."""
+    directory = re.search(r"^build=(\S+)$", (ROOT / "demo").read_text(), re.M)[1]
+    walk = (ROOT / "docs/getting-started-terminal.md").read_text()
+    assert f'PATH="$PWD/{directory}/tools/orvexctl:$PWD/{directory}/tools/orvex-sim:$PATH"' in walk
+    assert f"into `{directory}`" in " ".join(walk.split())
 
 
 def test_every_page_is_read():
