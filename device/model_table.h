@@ -67,9 +67,4 @@ using model_table::kModels;
     return commands;
 }
 
-/// Whether a model speaks the lamps' dialect.
-[[nodiscard]] inline bool speaksLampCommands(const Model& model) noexcept {
-    return model.commands == &gl_cmd_lamp;
-}
-
 }  // namespace orvex

@@ -83,7 +83,7 @@ std::vector<Channel> makeChannels(const DeviceSetup& setup) {
 
 bool isLedModel(OrvexType model) noexcept {
     const Model* const known = findModel(model);
-    return known != nullptr && !speaksLampCommands(*known);
+    return known != nullptr && known->commands != &gl_cmd_lamp;
 }
 
 DeviceState initialState(const DeviceSetup& setup) {

@@ -55,7 +55,7 @@ CommandTable commandsOfModel(OrvexType model) {
 
 bool speaksLampCommands(OrvexType model) {
     const Model* const known = findModel(model);
-    return known != nullptr && orvex::speaksLampCommands(*known);
+    return known != nullptr && known->commands == &gl_cmd_lamp;
 }
 
 bool isDiscovered(OrvexType model) {
