@@ -5,6 +5,7 @@
 #include "tools/common/nearest.h"
 #include "tools/orvexctl/failure.h"
 #include "tools/orvexctl/port_access.h"
+#include "tools/orvexctl/port_link.h"
 
 namespace orvex::tools {
 
@@ -22,7 +23,8 @@ std::string titles(const std::vector<AttachedLight>& lights) {
 }
 
 bool means(const std::string& device, const AttachedLight& light) {
-    return device.empty() || device == light.port || device == std::to_string(light.number) ||
+    return device.empty() || leadsTo(device, light.port) ||
+           device == std::to_string(light.number) ||
            lowerCase(device) == lowerCase(modelName(light.model));
 }
 
@@ -48,14 +50,15 @@ std::unique_ptr<Light> lightOfModel(const CommonOptions& options) {
                                                             : "--port needs --model as well");
     }
     const OrvexType model = requireModel(options.model);
-    if (options.port.find("tty") == std::string::npos) {
+    const std::string port = portBehind(options.port);
+    if (!isPortName(port)) {
         throw Failure(ExitCode::usage,
-                      "the library opens no port without \"tty\" in its path: " + options.port +
+                      "the library opens no port without \"tty\" in its path: " + port +
                           " (ORVEX_ERR_INVALID_ARG)",
                       "ports of lights look like /dev/ttyACM0");
     }
-    requireUsable(options.port, options.force);
-    return lightByPath(model, options.port);
+    requireUsable(port, options.force);
+    return lightByPath(model, port);
 }
 
 }  // namespace

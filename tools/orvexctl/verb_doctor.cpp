@@ -6,6 +6,7 @@
 #include "tools/common/nearest.h"
 #include "tools/orvexctl/choose_light.h"
 #include "tools/orvexctl/doctor_checks.h"
+#include "tools/orvexctl/port_link.h"
 #include "tools/orvexctl/program_verb.h"
 
 namespace orvex::tools {
@@ -132,13 +133,13 @@ class Doctor final : public ProgramVerb {
             throw Failure(ExitCode::usage, "--model and --port go together");
         }
         const OrvexType model = requireModel(options.model);
-        Examination examination{modelName(model), options.port, {}};
+        Examination examination{modelName(model), portBehind(options.port), {}};
         examinePort(examination, model, roots, options.force);
         return examination;
     }
 
     static bool isMeant(const std::string& device, const Examination& examination) {
-        return device.empty() || examination.port.empty() || device == examination.port ||
+        return device.empty() || examination.port.empty() || leadsTo(device, examination.port) ||
                lowerCase(device) == lowerCase(examination.model);
     }
 

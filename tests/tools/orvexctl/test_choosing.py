@@ -22,6 +22,43 @@ def test_port_model_or_number(orvexctl, device):
     assert orvexctl("exec", "-d", device, "GetTemperature").out == "38\n"
 
 
+@pytest.fixture(params=["/dev/ttyACM1", "../dev/ttyACM1", "second"])
+def link_to_cedar(request, tmp_path):
+    """A link to the Cedar's port: absolute, relative, and through another link."""
+    (tmp_path / "second").symlink_to("/dev/ttyACM1")
+    target = request.param
+    if target.startswith("../"):
+        target = "../" * len(tmp_path.parts) + target[3:]
+    (tmp_path / "Orvex_Cedar-SN-0042").symlink_to(target)
+    return str(tmp_path / "Orvex_Cedar-SN-0042")
+
+
+def test_link_to_a_port(orvexctl, link_to_cedar):
+    assert orvexctl("exec", "-d", link_to_cedar, "GetTemperature").out == "38\n"
+
+
+def test_link_with_a_model(orvexctl, link_to_cedar):
+    result = orvexctl("exec", "--model", "Cedar", "--port", link_to_cedar, "GetTemperature")
+    assert (result.code, result.out) == (0, "38\n")
+
+
+def test_link_that_leads_to_no_light(orvexctl, tmp_path):
+    (tmp_path / "light").symlink_to("/dev/ttyACM7")
+    result = orvexctl("info", "-d", str(tmp_path / "light"))
+    assert result.code == 3
+    assert result.err.startswith(f'orvexctl: no light "{tmp_path}/light"; attached: ')
+
+
+def test_link_to_itself(orvexctl, tmp_path):
+    (tmp_path / "light").symlink_to("light")
+    assert orvexctl("info", "-d", str(tmp_path / "light")).code == 3
+
+
+def test_link_named_like_a_model_means_the_model(orvexctl, tmp_path):
+    (tmp_path / "Cedar").symlink_to("/dev/ttyACM0")
+    assert orvexctl("exec", "-d", "Cedar", "GetTemperature", cwd=tmp_path).out == "38\n"
+
+
 @pytest.mark.parametrize("device", ["3", "/dev/ttyACM7", "Willow"])
 def test_no_such_light(orvexctl, device):
     result = orvexctl("info", "-d", device)

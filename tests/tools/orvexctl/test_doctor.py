@@ -92,6 +92,16 @@ def test_one_light_as_json(orvexctl):
         "usb", "port", "permission", "holder", "modemmanager", "answer"]
 
 
+@pytest.mark.parametrize("choice", [["-d"], ["--model", "Cedar", "--port"]])
+def test_link_to_a_port(orvexctl, tmp_path, choice):
+    link = tmp_path / "Orvex_Cedar-SN-0042"
+    link.symlink_to("/dev/ttyACM1")
+    result = orvexctl("doctor", *choice, str(link), "--json")
+    assert result.code == 0
+    assert [(light["model"], light["port"]) for light in json.loads(result.out)["lights"]] == [
+        ("Cedar", "/dev/ttyACM1")]
+
+
 def test_nothing_on_the_usb(orvexctl_alone, system):
     result = orvexctl_alone("doctor", *system.options())
     assert result.code == 3
