@@ -11,7 +11,10 @@ _orvex_sim_words() {
         --scenario | --trace | --link | --tty) compgen -f -- "$current" && return ;;
     esac
     case $current,$subcommand in
-        -*) "$program" $subcommand --help 2>/dev/null | sed -nE 's/^  (-[a-z],)?(--[a-z-]+).*/\2/p' ;;
+        -*)
+            "$program" ${subcommand:+"$subcommand"} --help 2>/dev/null |
+                sed -nE 's/^  (-[a-z],)?(--[a-z-]+).*/\2/p'
+            ;;
         *,) "$program" --help 2>/dev/null | sed -nE '/^Subcommands:/,/^$/s/^  ([a-z]+) .*/\1/p' ;;
         *,models) _orvex_sim_models "$program" ;;
         *,replay) compgen -f -- "$current" ;;
@@ -24,7 +27,7 @@ _orvex_sim() {
         case ${COMP_WORDS[i]} in
             --)
                 # What follows is a command line of its own.
-                _command_offset $((i + 1)) 2>/dev/null || mapfile -t COMPREPLY < <(compgen -c -- "$current")
+                _command_offset $((i + 1))
                 return 0
                 ;;
             -d | --device | --scenario | --trace | --link | --tty) ((++i)) ;;
@@ -35,7 +38,9 @@ _orvex_sim() {
     mapfile -t COMPREPLY < <(_orvex_sim_words "$program" "$subcommand" "$previous" "$current" |
         awk -v start="$current" 'index($0, start) == 1')
     case $previous,$subcommand in
-        --scenario,* | --trace,* | --link,* | --tty,* | *,replay) compopt -o filenames 2>/dev/null ;;
+        --scenario,* | --trace,* | --link,* | --tty,* | *,replay)
+            compopt -o filenames 2>/dev/null
+            ;;
     esac
     return 0
 }

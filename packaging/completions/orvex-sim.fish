@@ -21,7 +21,8 @@ end
 
 function __orvex_sim_options
     orvex-sim (__orvex_sim_subcommand) --help 2>/dev/null |
-        sed -nE 's/^  (-[a-z],)?(--[a-z-]+)( .*[^ ])?$/\2\t\3/p' | sed -E 's/\t .*  +/\t/; s/\t +/\t/'
+        sed -nE 's/^  (-[a-z],)?(--[a-z-]+)( .*[^ ])?$/\2\t\3/p' |
+        sed -E 's/\t .*  +/\t/; s/\t +/\t/'
 end
 
 function __orvex_sim_models
@@ -39,14 +40,23 @@ function __orvex_sim_program
     complete -C (string join ' ' -- $words[(math $start + 1)..-1])
 end
 
+# Whether the cursor is at what one of these sub-commands takes itself.
+function __orvex_sim_takes
+    not __orvex_sim_in_program; and __orvex_sim_is $argv
+end
+
+function __orvex_sim_at_option
+    not __orvex_sim_in_program; and string match -q -- '-*' (commandline -ct)
+end
+
 complete -c orvex-sim -f
-complete -c orvex-sim -n 'not __orvex_sim_subcommand >/dev/null' -a '(__orvex_sim_subcommands)'
-complete -c orvex-sim -n 'not __orvex_sim_in_program; and string match -q -- "-*" (commandline -ct)' -a '(__orvex_sim_options)'
-complete -c orvex-sim -n 'not __orvex_sim_in_program; and __orvex_sim_is run serve' -s d -l device -x -a '(__orvex_sim_models)'
-complete -c orvex-sim -n 'not __orvex_sim_in_program; and __orvex_sim_is run serve' -l scenario -r -F
-complete -c orvex-sim -n 'not __orvex_sim_in_program; and __orvex_sim_is run serve' -l trace -r -F
-complete -c orvex-sim -n 'not __orvex_sim_in_program; and __orvex_sim_is serve replay' -l link -r -F
-complete -c orvex-sim -n 'not __orvex_sim_in_program; and __orvex_sim_is serve' -l tty -r -F
-complete -c orvex-sim -n '__orvex_sim_is models' -a '(__orvex_sim_models)'
-complete -c orvex-sim -n 'not __orvex_sim_in_program; and __orvex_sim_is replay' -F
+complete -c orvex-sim -n '__orvex_sim_is none' -a '(__orvex_sim_subcommands)'
+complete -c orvex-sim -n __orvex_sim_at_option -a '(__orvex_sim_options)'
+complete -c orvex-sim -n '__orvex_sim_takes run serve' -s d -l device -x -a '(__orvex_sim_models)'
+complete -c orvex-sim -n '__orvex_sim_takes run serve' -l scenario -r -F
+complete -c orvex-sim -n '__orvex_sim_takes run serve' -l trace -r -F
+complete -c orvex-sim -n '__orvex_sim_takes serve replay' -l link -r -F
+complete -c orvex-sim -n '__orvex_sim_takes serve' -l tty -r -F
+complete -c orvex-sim -n '__orvex_sim_takes models' -a '(__orvex_sim_models)'
+complete -c orvex-sim -n '__orvex_sim_takes replay' -F
 complete -c orvex-sim -n __orvex_sim_in_program -a '(__orvex_sim_program)'

@@ -35,7 +35,10 @@ _orvexctl_values() {
 _orvexctl_words() {
     local program=$1 subcommand=$2 position=$3 current=$4
     case $current,$subcommand,$position in
-        -*) "$program" $subcommand --help 2>/dev/null | sed -nE 's/^  (-[a-z],)?(--[a-z-]+).*/\2/p' ;;
+        -*)
+            "$program" ${subcommand:+"$subcommand"} --help 2>/dev/null |
+                sed -nE 's/^  (-[a-z],)?(--[a-z-]+).*/\2/p'
+            ;;
         *,,*) "$program" --help 2>/dev/null | sed -nE '/^Subcommands:/,/^$/s/^  ([a-z]+) .*/\1/p' ;;
         *,on,* | *,off,*) echo all ;;
         *,lamp,0) printf '%s\n' on off ;;
@@ -56,7 +59,9 @@ _orvexctl() {
     done
     words=$(_orvexctl_values "$program" "$previous" "$current") ||
         words=$(_orvexctl_words "$program" "$subcommand" "$position" "$current")
-    mapfile -t COMPREPLY < <(awk -v start="$current" '$0 != "" && index($0, start) == 1' <<<"$words")
+    mapfile -t COMPREPLY < <(
+        awk -v start="$current" '$0 != "" && index($0, start) == 1' <<<"$words"
+    )
     case $previous,$subcommand in
         --port,* | --log,* | *,run) compopt -o filenames 2>/dev/null ;;
     esac

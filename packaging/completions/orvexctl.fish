@@ -18,8 +18,8 @@ function __orvexctl_words
     end
 end
 
-# Whether the cursor is at a position of one of these sub-commands: POSITION SUBCOMMAND…; position 0
-# comes right behind the sub-command, any stands for all.
+# Whether the cursor is at this position of one of these sub-commands: 0 comes right behind the
+# sub-command, any stands for all.
 function __orvexctl_at
     set -l words (__orvexctl_words)
     test (count $words) -gt 0; and contains -- $words[1] $argv[2..-1]; or return 1
@@ -29,7 +29,8 @@ end
 function __orvexctl_options
     set -l words (__orvexctl_words)
     orvexctl $words[1] --help 2>/dev/null |
-        sed -nE 's/^  (-[a-z],)?(--[a-z-]+)( .*[^ ])?$/\2\t\3/p' | sed -E 's/\t .*  +/\t/; s/\t +/\t/'
+        sed -nE 's/^  (-[a-z],)?(--[a-z-]+)( .*[^ ])?$/\2\t\3/p' |
+        sed -E 's/\t .*  +/\t/; s/\t +/\t/'
 end
 
 function __orvexctl_lights

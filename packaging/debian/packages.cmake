@@ -21,7 +21,8 @@ foreach(component IN ITEMS runtime dev tools python)
   install(FILES ${control}/changelog.Debian DESTINATION ${documents}/${${component}_package}
           COMPONENT ${component} EXCLUDE_FROM_ALL)
 endforeach()
-install(FILES ${PROJECT_SOURCE_DIR}/examples/first_light.c ${PROJECT_SOURCE_DIR}/examples/light_tour.c
+install(FILES ${PROJECT_SOURCE_DIR}/examples/first_light.c
+              ${PROJECT_SOURCE_DIR}/examples/light_tour.c
         DESTINATION ${documents}/${dev_package}/examples COMPONENT dev EXCLUDE_FROM_ALL)
 
 # The day of this version is that of its entry in CHANGELOG.md.

@@ -39,7 +39,8 @@ class Installed:
         self.prefix = pathlib.Path(prefix)
         self.is_system = prefix == "/usr"
         self.libraries = next(path.parent for path in self.prefix.glob("lib/**/libqtr_orvex.so"))
-        self.environment = {**os.environ, "LC_ALL": "C.UTF-8", "TERM": "xterm", "HOME": "/nonexistent"}
+        self.environment = {**os.environ, "LC_ALL": "C.UTF-8", "TERM": "xterm",
+                            "HOME": "/nonexistent"}
         if not self.is_system:
             self.environment.update({
                 "PATH": f"{prefix}/bin:{os.environ['PATH']}",

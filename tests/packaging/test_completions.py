@@ -58,14 +58,16 @@ def test_models_are_those_of_the_simulator(installed):
     assert listed == MODELS
 
 
-@pytest.mark.parametrize("line", ["orvexctl info --model ", "orvexctl --model ", "orvex-sim models ",
-                                  "orvex-sim run -d ", "orvex-sim serve --device "])
+@pytest.mark.parametrize("line", [
+    "orvexctl info --model ", "orvexctl --model ", "orvex-sim models ", "orvex-sim run -d ",
+    "orvex-sim serve --device "])
 def test_models(shell, line):
     assert shell.offers(line) == MODELS
 
 
 def test_lights_that_are_attached(shell, installed):
-    assert shell.offers("orvexctl info -d ", installed.beside_a_tamar) == ["/dev/ttyACM0", "Tamar"]
+    assert shell.offers("orvexctl info -d ", installed.beside_a_tamar) == [
+        "/dev/ttyACM0", "Tamar"]
 
 
 def test_commands_of_a_model(shell):

@@ -29,7 +29,8 @@ int main() {
         std::string reply;
         device.executeCommand("NoSuchCommand", reply, "");
     } catch (const DriverException& e) {
-        std::printf("0x%08X %s\\n", e.error_code(), to_hexstring(0x2au, false, true, false).c_str());
+        const std::string number = to_hexstring(0x2au, false, true, false);
+        std::printf("0x%08X %s\\n", e.error_code(), number.c_str());
     }
     device.closeConnection(true);
 }
