@@ -8,7 +8,9 @@ set(dev_package libqtr-orvex-dev)
 set(tools_package orvex-tools)
 set(python_package python3-orvex)
 set(debian_version ${PROJECT_VERSION}-1)
-set(CPACK_PACKAGE_CONTACT "The libqtr_orvex developers <maintainers@qtr-orvex.org>")
+set(ORVEX_MAINTAINER "The libqtr_orvex developers <qtr-orvex@example.org>"
+    CACHE STRING "The maintainer whom the Debian packages name")
+set(CPACK_PACKAGE_CONTACT ${ORVEX_MAINTAINER})
 set(control ${CMAKE_CURRENT_BINARY_DIR}/debian)
 set(documents ${CMAKE_INSTALL_DATADIR}/doc)
 
