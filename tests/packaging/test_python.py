@@ -9,6 +9,13 @@ def test_it_knows_the_version(installed, version):
     assert place.startswith(f"{installed.prefix}/lib/python3/dist-packages/orvex/")
 
 
+def test_it_speaks_with_a_light(installed):
+    program = ("import orvex\n"
+               "with orvex.open('Tamar') as light:\n"
+               "    print(light.command('GetSoftwareVersion'))\n")
+    assert installed.beside_a_tamar("/usr/bin/python3", "-c", program) == "1.4.2\n"
+
+
 def test_type_checkers_know_that_it_is_typed(installed):
     assert (installed.prefix / "lib" / "python3" / "dist-packages" / "orvex" / "py.typed").exists()
 
