@@ -27,7 +27,7 @@ def text():
 @pytest.fixture(scope="module")
 def compiled(text, tmp_path_factory):
     """What a C compiler makes of the header: {expression: number}."""
-    names = re.findall(r"^#define ((?:ORVEX|LOG)_\w+) \w+$", text, flags=re.M)
+    names = re.findall(r"^#define ((?:ORVEX|LOG)_\w+) \w+ *$", text, flags=re.M)
     expressions = [*names]
     for name, record in RECORDS.items():
         expressions.append(f"sizeof({name})")
