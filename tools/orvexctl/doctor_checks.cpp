@@ -95,6 +95,16 @@ std::string milliseconds(std::chrono::duration<double, std::milli> time) {
     return text;
 }
 
+/// Advice without sending the user to where it is given.
+std::string withoutReferral(std::string advice) {
+    const std::size_t referral = advice.find("orvexctl doctor");
+    if (referral != std::string::npos) {
+        advice.erase(referral);
+        advice.erase(advice.find_last_not_of("; ") + 1);
+    }
+    return advice;
+}
+
 /// Opens the light and asks it for its version. A lamp's shutter is left as it is.
 Finding checkAnswer(const std::string& port, OrvexType model) {
     constexpr const char* kQuestion = "GetSoftwareVersion";
@@ -111,7 +121,8 @@ Finding checkAnswer(const std::string& port, OrvexType model) {
             "answer", Result::ok,
             "the light answers in " + milliseconds(time) + " (" + kQuestion + ": " + reply + ")"};
     } catch (const Failure& failure) {
-        return {"answer", Result::failed, failure.what(), failure.advice(), failure.code()};
+        return {"answer", Result::failed, failure.what(), withoutReferral(failure.advice()),
+                failure.code()};
     }
 }
 

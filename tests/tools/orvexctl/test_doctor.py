@@ -201,6 +201,7 @@ def test_silent_light(orvexctl_alone, fake_light):
     answer = checks(result)["answer"]
     assert answer["result"] == "failed"
     assert "ORVEX_ERR_RECV" in answer["text"]
+    assert answer["advice"] == "see that the light is switched on and plugged in"
 
 
 def test_lamp_is_left_as_it_is(orvexctl_alone, fake_light):
