@@ -7,6 +7,7 @@ Try it without a light, with what goes over the line in ramp.trace:
 """
 
 import argparse
+import signal
 import sys
 import time
 from typing import Iterator
@@ -47,6 +48,7 @@ def main() -> int:
     parser.add_argument("--step", type=int, default=10, help="per cent")
     parser.add_argument("--pause", type=float, default=0.05, help="seconds from step to step")
     arguments = parser.parse_args()
+    signal.signal(signal.SIGTERM, signal.default_int_handler)  # Ends it as Ctrl-C does.
     try:
         with orvex.open("Tamar") as light:
             try:
@@ -54,6 +56,9 @@ def main() -> int:
             finally:
                 switch_off(light, arguments)
         print(f"{steps} steps")
+    except KeyboardInterrupt:
+        print("stopped; the light is off", file=sys.stderr)
+        return 130
     except (orvex.OrvexError, IndexError) as error:
         print(f"intensity_ramp: {error}", file=sys.stderr)
         return 1

@@ -9,6 +9,7 @@ of the light. Try it without a light:
 """
 
 import argparse
+import signal
 import sys
 import time
 from typing import Dict, List, NamedTuple
@@ -65,9 +66,13 @@ def main() -> int:
     parser.add_argument("--unit", type=int, default=0, help="the unit of the times")
     parser.add_argument("--seconds", type=float, default=1.0, help="how long it runs")
     arguments = parser.parse_args()
+    signal.signal(signal.SIGTERM, signal.default_int_handler)  # Ends it as Ctrl-C does.
     try:
         with orvex.open("Tamar") as light:
             run(light, arguments)
+    except KeyboardInterrupt:
+        print("stopped; the light is off", file=sys.stderr)
+        return 130
     except (orvex.OrvexError, IndexError) as error:
         print(f"pulse_sequence: {error}", file=sys.stderr)
         return 1

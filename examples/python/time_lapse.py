@@ -8,6 +8,7 @@ fails. Put your camera's call into expose(). Try it without a light:
 """
 
 import argparse
+import signal
 import sys
 import time
 from contextlib import contextmanager
@@ -51,6 +52,7 @@ def main() -> int:
     parser.add_argument("--interval", type=float, default=5.0, help="seconds between their begins")
     parser.add_argument("--exposure", type=float, default=0.1, help="seconds of each")
     arguments = parser.parse_args()
+    signal.signal(signal.SIGTERM, signal.default_int_handler)  # Ends it as Ctrl-C does.
     try:
         with orvex.open("Tamar") as light:
             run(light, arguments)

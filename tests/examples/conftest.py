@@ -1,4 +1,4 @@
-"""The examples of all languages as their users start them, on simulated lights."""
+"""The examples in C and C++ as their users start them, on simulated lights."""
 import importlib.util
 import json
 import os
@@ -13,7 +13,6 @@ from trace import Trace
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 LIMIT = 60  # seconds, for a busy machine
-PYTHON_NAMES = {"own_logger": "log_to_logging"}
 
 # The option --build and the fixture build_dir are those of the tools' tests.
 _specification = importlib.util.spec_from_file_location("tools_conftest",
@@ -25,7 +24,7 @@ build_dir = _tools.build_dir
 
 def pytest_addoption(parser):
     _tools.pytest_addoption(parser)
-    parser.addoption("--languages", default="c,cpp", help="some of c,cpp,python")
+    parser.addoption("--languages", default="c,cpp", help="c or cpp alone")
 
 
 def pytest_generate_tests(metafunc):
@@ -71,14 +70,10 @@ class Examples:
         self.started = []
 
     def command(self, name):
-        if self.language == "python":
-            name = PYTHON_NAMES.get(name, name)
-            return ["/usr/bin/python3", "-B", str(ROOT / "examples/python" / f"{name}.py")]
         return [str(self.build / "examples" / self.language / name)]
 
     def environment(self):
-        return {**os.environ, "PYTHONPATH": str(ROOT / "python"),
-                "LD_LIBRARY_PATH": str(self.build), "LC_ALL": "C.UTF-8"}
+        return {**os.environ, "LD_LIBRARY_PATH": str(self.build), "LC_ALL": "C.UTF-8"}
 
     def start(self, name, *arguments, devices=("Tamar",), timeline=(), **options):
         """Starts an example on devices: models, or objects as in scenarios."""

@@ -5,6 +5,7 @@ import re
 import subprocess
 import sys
 
+import pytest
 from conftest import LONG_ENOUGH, ROOT
 
 PAGE = ROOT / "docs" / "getting-started-python.md"
@@ -87,15 +88,15 @@ def test_time_lapse(child):
         "of=1,3,4,5,6,7,8", "on=2", "of=1,2,3,4,5,6,7,8"]
 
 
-def test_time_lapse_is_dark_after_ctrl_c(child):
-    """The program tells its group of processes, as a terminal does."""
+@pytest.mark.parametrize("number", ["SIGINT", "SIGTERM"])
+def test_time_lapse_is_dark_after_being_stopped(child, number):
     interrupted = ("import os, runpy, signal, sys, threading, time\n"
                    "import orvex\n"
                    "light = orvex.open('Tamar')\n"
                    "def interrupt():\n"
                    "    while light.command('GetUnitStatus') != '0,1,0,0,0,0,0,0':\n"
                    "        time.sleep(0.01)\n"
-                   "    os.kill(os.getpid(), signal.SIGINT)\n"
+                   f"    os.kill(os.getpid(), signal.{number})\n"
                    "threading.Thread(target=interrupt, daemon=True).start()\n"
                    f"sys.argv = ['time_lapse.py', '--channel=2', '--exposure=60']\n"
                    "try:\n"
