@@ -18,7 +18,7 @@ SEPARATOR = "@@ next command @@"
 class World:
     def __init__(self, build, directory):
         self.build = build
-        self.directory = directory / "work"
+        self.directory = directory / "desk"
         self.directory.mkdir()
         self.simulator = str(build / "tools/orvex-sim/orvex-sim")
         self.nothing = directory / "nothing.json"
@@ -104,7 +104,7 @@ VARIABLE = [(r"0x[0-9a-fA-F]{9,}", "0xADDRESS"), (r"\b\d+\.\d ms\b", "TIME ms"),
             (r"\buser \w+ may\b", "user NAME may"), (r"^ +\d+\.\d{6} ", "TIME "),
             (r"belongs to \S+ \(\S+\) and user \w+ .*", "belongs to SOMEBODY"),
             (r"-aG \w+ \w+,", "-aG GROUP USER,"), (r"\bprocess \d+", "process N"),
-            (r"/tmp/pytest-\S+/work/", "")]
+            (r"/tmp/pytest-\S+/desk/", "")]
 
 
 def settled(text):
